@@ -1,0 +1,84 @@
+#include "app/HeadlessOptions.h"
+
+namespace {
+bool takeValue(const QStringList& arguments, int& i, QString& value, QString& error)
+{
+    const QString& option = arguments[i];
+    if (i + 1 >= arguments.size()) {
+        error = QStringLiteral("option %1 needs a value").arg(option);
+        return false;
+    }
+    value = arguments[++i];
+    return true;
+}
+}
+
+bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& options, QString& error)
+{
+    for (int i = 1; i < arguments.size(); ++i) {
+        const QString& argument = arguments[i];
+        QString value;
+        if (argument == QLatin1String("--headless")) {
+            options.headless = true;
+        } else if (argument == QLatin1String("--help") || argument == QLatin1String("-h")) {
+            options.help = true;
+        } else if (argument == QLatin1String("--version")) {
+            options.version = true;
+        } else if (argument == QLatin1String("--print-settings")) {
+            options.printSettings = true;
+        } else if (argument == QLatin1String("--verbose")) {
+            options.verbose = true;
+        } else if (argument == QLatin1String("--device")) {
+            if (!takeValue(arguments, i, options.device, error))
+                return false;
+            if (options.device != QLatin1String("generator")) {
+                error = QStringLiteral("unknown device '%1' (available: generator)").arg(options.device);
+                return false;
+            }
+        } else if (argument == QLatin1String("--duration")) {
+            if (!takeValue(arguments, i, value, error))
+                return false;
+            bool ok = false;
+            options.durationSeconds = value.toDouble(&ok);
+            if (!ok || options.durationSeconds <= 0 || options.durationSeconds > 1e7) {
+                error = QStringLiteral("--duration needs a positive number of seconds, not '%1'").arg(value);
+                return false;
+            }
+        } else if (argument == QLatin1String("--csv")) {
+            if (!takeValue(arguments, i, options.csvPath, error))
+                return false;
+        } else if (argument == QLatin1String("--set")) {
+            if (!takeValue(arguments, i, value, error))
+                return false;
+            const qsizetype equals = value.indexOf(QLatin1Char('='));
+            if (equals < 1) {
+                error = QStringLiteral("--set needs Key=Value, not '%1'").arg(value);
+                return false;
+            }
+            options.settings.append({ value.left(equals).trimmed(), value.mid(equals + 1) });
+        } else {
+            error = QStringLiteral("unknown option '%1' (see --help)").arg(argument);
+            return false;
+        }
+    }
+    return true;
+}
+
+QString HeadlessOptions::usage()
+{
+    return QStringLiteral(
+        "Usage: orvexpro --headless [options]\n"
+        "Streams an EEG device through the engine without a window.\n"
+        "\n"
+        "  --device generator   the device to stream (default: the signal generator)\n"
+        "  --duration SECONDS   stop, close the files and exit 0 after that much streaming\n"
+        "                       (default: until interrupted with Ctrl+C)\n"
+        "  --csv PATH           write the filtered montage channels as CSV while streaming\n"
+        "  --set Key=Value      change a setting for this run (repeatable; see --print-settings)\n"
+        "  --print-settings     print every setting with its type, value and range as JSON\n"
+        "  --verbose            echo the engine's console on stderr\n"
+        "  --version            print the version\n"
+        "  --help               print this help\n"
+        "\n"
+        "Exit codes: 0 success, 1 runtime failure, 2 bad command line.\n");
+}

@@ -1,0 +1,67 @@
+#include "app/HeadlessSession.h"
+
+#include "app/OrvexModel.h"
+#include "core/CortexCore.h"
+
+#include <QTimer>
+
+#include <cstdio>
+
+HeadlessSession::HeadlessSession(OrvexModel* model, const HeadlessOptions& options, QObject* parent)
+    : QObject(parent)
+    , m_model(model)
+    , m_options(options)
+{
+}
+
+bool HeadlessSession::start(QString& error)
+{
+    CortexCore* engine = m_model->engine();
+    if (!startGenerator(error))
+        return false;
+
+    if (!m_options.csvPath.isEmpty()) {
+        if (!m_csv.open(m_options.csvPath, engine->getCurrentMontageChannelNames(),
+                        engine->getCurrentDeviceFrequency(), error)) {
+            engine->stopDevice();
+            return false;
+        }
+        m_csvOpen = true;
+    }
+    connect(engine, &CortexCore::newDataByChannel, this, &HeadlessSession::onData);
+    if (m_options.durationSeconds > 0)
+        QTimer::singleShot(qint64(m_options.durationSeconds * 1000.0), this, [this] { finish(0); });
+    return true;
+}
+
+bool HeadlessSession::startGenerator(QString& error)
+{
+    CortexCore* engine = m_model->engine();
+    engine->startDeviceSearch();
+    for (const DeviceInfo& info : engine->getFoundDevices()) {
+        if (info.name == QLatin1String("GeneratorDevice") && engine->startDevice(info, {}, -1))
+            return true;
+    }
+    error = QStringLiteral("the signal generator cannot start: it is switched off "
+                           "(GeneratorEnabled) or has no channel names (GeneratorChannelNames)");
+    return false;
+}
+
+void HeadlessSession::onData(const QList<QList<float>>& block)
+{
+    if (m_finished || !m_csvOpen || m_csv.write(block))
+        return;
+    m_csvOpen = false;
+    std::fprintf(stderr, "orvexpro: writing %s failed; stopping\n", qUtf8Printable(m_options.csvPath));
+    finish(1);
+}
+
+void HeadlessSession::finish(int exitCode)
+{
+    if (m_finished)
+        return;
+    m_finished = true;
+    m_model->engine()->stopDevice();
+    m_csv.close();
+    Q_EMIT finished(exitCode);
+}

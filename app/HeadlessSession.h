@@ -1,0 +1,37 @@
+#pragma once
+
+#include "app/CsvStreamWriter.h"
+#include "app/HeadlessOptions.h"
+
+#include <QObject>
+
+class OrvexModel;
+
+// One run without a window: starts the chosen device, streams it through the engine, writes
+// the requested files and ends after the requested duration or on request.
+class HeadlessSession : public QObject
+{
+    Q_OBJECT
+public:
+    HeadlessSession(OrvexModel* model, const HeadlessOptions& options, QObject* parent = nullptr);
+
+    // False with `error` set when the session cannot start.
+    bool start(QString& error);
+
+public Q_SLOTS:
+    // Stops the device, closes the files and reports the exit code.
+    void finish(int exitCode = 0);
+
+Q_SIGNALS:
+    void finished(int exitCode);
+
+private:
+    bool startGenerator(QString& error);
+    void onData(const QList<QList<float>>& block);
+
+    OrvexModel* m_model;
+    HeadlessOptions m_options;
+    CsvStreamWriter m_csv;
+    bool m_csvOpen = false;
+    bool m_finished = false;
+};

@@ -1,0 +1,758 @@
+#include "core/CortexCore.h"
+
+#include "core/AbstractDeviceDiscovery.h"
+#include "core/DefaultMontage.h"
+#include "core/HeadsetDescriptor.h"
+#include "devices/BleDeviceDiscovery.h"
+#include "devices/GeneratorVirtualDevice.h"
+#include "services/GlobalConsole.h"
+#include "services/GlobalConsoleWriter.h"
+#include "services/TextHelper.h"
+#include "settings/VirtualDevicesSettings.h"
+
+#include <QMetaMethod>
+#include <QTimer>
+
+bool CortexCore::Use_FIR = true;
+
+namespace {
+const QString GeneratorKey = QStringLiteral("GeneratorDevice");
+const QString VirtualModel = QStringLiteral("Virtual");
+// Without an adapter a pending reconnection has no search to wait for; it tries again after this.
+constexpr int ReconnectRetryMs = 1000;
+}
+
+CortexCore::CortexCore(QObject* parent)
+    : QObject(parent)
+{
+    registerTypes();
+    HeadsetDescriptor::allowedDevices();
+    setDeviceDiscovery(new BleDeviceDiscovery(this));
+}
+
+CortexCore::~CortexCore()
+{
+    dropDeviceConnections();
+    if (m_currentDevice) {
+        m_currentDevice->stop();
+        m_currentDevice->close();
+    }
+}
+
+void CortexCore::registerTypes()
+{
+    qRegisterMetaType<DeviceInfo>("DeviceInfo");
+    qRegisterMetaType<CortexDataResult>("CortexDataResult");
+}
+
+void CortexCore::setDeviceDiscovery(AbstractDeviceDiscovery* discovery)
+{
+    if (m_discovery && m_discovery->parent() == this)
+        m_discovery->deleteLater();
+    m_discovery = discovery;
+    m_discoveryConnected = false;
+}
+
+void CortexCore::setHeadsetFactory(HeadsetFactory factory)
+{
+    m_headsetFactory = std::move(factory);
+}
+
+void CortexCore::setVirtualDeviceSettings(VirtualDevicesSettings* settings)
+{
+    m_virtualSettings = settings;
+    if (m_generator)
+        m_generator->setSettings(settings);
+}
+
+// ---------------------------------------------------------------------------------------
+// Search
+
+bool CortexCore::startDeviceSearch()
+{
+    GlobalConsole::writeLine(QStringLiteral("START DEVICE SEARCH ")
+                             + QDateTime::currentDateTime().toString(QStringLiteral("yyyy.MM.dd hh:mm:ss")));
+    stopDevice();
+    m_searching = true;
+    Q_EMIT deviceSearchStarted();
+
+    clearDeviceMap();
+    m_foundDevices.clear();
+    listGenerator();
+
+    if (m_discovery) {
+        QMetaObject::invokeMethod(m_discovery, "stop", Qt::QueuedConnection);
+        if (!m_discoveryConnected) {
+            connect(m_discovery, &AbstractDeviceDiscovery::finished, this, &CortexCore::onSearchFinished,
+                    Qt::QueuedConnection);
+            connect(m_discovery, &AbstractDeviceDiscovery::canceled, this, &CortexCore::onSearchCanceled,
+                    Qt::QueuedConnection);
+            connect(m_discovery, &AbstractDeviceDiscovery::deviceDiscovered, this,
+                    &CortexCore::onDeviceDiscovered, Qt::QueuedConnection);
+            m_discoveryConnected = true;
+        }
+        if (m_discovery->prepareAdapter()) {
+            QMetaObject::invokeMethod(m_discovery, "start", Qt::QueuedConnection);
+            return true;
+        }
+    }
+    kxDebug() << QStringLiteral("NO BLE!");
+    m_searching = false;
+    Q_EMIT deviceSearchFinished();
+    if (!m_reconnectTarget.isEmpty()) {
+        QTimer::singleShot(ReconnectRetryMs, this, [this] {
+            if (!m_reconnectTarget.isEmpty() && !m_searching)
+                startDeviceSearch();
+        });
+    }
+    return true;
+}
+
+void CortexCore::stopDeviceSearch()
+{
+    m_searching = false;
+    if (m_discovery)
+        QMetaObject::invokeMethod(m_discovery, "stop", Qt::QueuedConnection);
+    Q_EMIT deviceSearchFinished();
+}
+
+bool CortexCore::isSearchingDevices() const { return m_searching; }
+QList<DeviceInfo> CortexCore::getFoundDevices() const { return m_foundDevices; }
+QList<AbstractDevice*> CortexCore::getDeviceList() const { return m_devices.values(); }
+int CortexCore::getDeviceCount() const { return int(m_foundDevices.size()); }
+
+void CortexCore::clearDeviceMap()
+{
+    for (AbstractDevice* device : std::as_const(m_devices)) {
+        if (device != m_generator)
+            device->deleteLater();
+    }
+    m_devices.clear();
+}
+
+void CortexCore::listGenerator()
+{
+    if (!m_virtualSettings || !m_virtualSettings->getGeneratorEnabled())
+        return;
+    const QList<QString> names = TextHelper::splitAndTrim(m_virtualSettings->getGeneratorChannelNames());
+    if (names.isEmpty())
+        return;
+    if (!m_generator)
+        m_generator = new GeneratorVirtualDevice(this);
+    m_devices.insert(GeneratorKey, m_generator);
+    m_generator->setSettings(m_virtualSettings);
+
+    DeviceInfo info;
+    info.name = GeneratorKey;
+    info.serialNumber = GeneratorKey;
+    info.model = VirtualModel;
+    info.maxChannels = 10;
+    info.preferredChannelCount = int(names.size());
+    info.currentChannelCount = int(names.size());
+    info.battery = -1;
+    info.channelModes.insert(int(names.size()), float(m_virtualSettings->getGeneratorSamplingRate()));
+    m_foundDevices.append(info);
+    Q_EMIT deviceFound(info);
+}
+
+void CortexCore::onSearchFinished()
+{
+    m_searching = false;
+    Q_EMIT deviceSearchFinished();
+    // Keep searching until the lost device shows up again; once it has been seen its restart
+    // is already queued.
+    if (m_reconnectTarget.isEmpty())
+        return;
+    for (const DeviceInfo& info : std::as_const(m_foundDevices)) {
+        if (info.name == m_reconnectTarget)
+            return;
+    }
+    startDeviceSearch();
+}
+
+void CortexCore::onSearchCanceled()
+{
+    m_searching = false;
+    Q_EMIT deviceSearchFinished();
+}
+
+void CortexCore::onDeviceDiscovered(const QBluetoothDeviceInfo& bluetoothInfo)
+{
+    const QString name = bluetoothInfo.name();
+    if (!HeadsetDescriptor::isAllowedName(name) || m_devices.contains(name))
+        return;
+    AbstractDevice* device = m_headsetFactory ? m_headsetFactory(bluetoothInfo, this) : nullptr;
+    if (!device) {
+        kxDebug() << QStringLiteral("No driver for the headset ") + name;
+        return;
+    }
+    m_devices.insert(device->name(), device);
+
+    const DeviceInfo info = HeadsetDescriptor::describe(device->name(), device->channelCount());
+    m_foundDevices.append(info);
+    Q_EMIT deviceFound(info);
+
+    if (!m_reconnectTarget.isEmpty() && m_reconnectTarget == info.name) {
+        GlobalConsole::writeLine(QStringLiteral("RESTART DEVICE ") + info.name);
+        QMetaObject::invokeMethod(this, [this, info] { startDevice(info, {}, -1); }, Qt::QueuedConnection);
+    }
+}
+
+void CortexCore::reconnectToDevice(QString name)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this, name] {
+            m_reconnectTarget = name;
+            startDeviceSearch();
+        },
+        Qt::QueuedConnection);
+}
+
+// ---------------------------------------------------------------------------------------
+// Lifecycle
+
+AbstractDevice* CortexCore::deviceFor(const DeviceInfo& info) const
+{
+    if (info.model == VirtualModel) {
+        if (info.name.contains(QStringLiteral("EDF")))
+            return m_devices.value(QStringLiteral("EDFVirtualDevice"));
+        if (info.name.contains(QStringLiteral("Generator")))
+            return m_devices.value(GeneratorKey);
+        return nullptr;
+    }
+    return m_devices.value(info.name);
+}
+
+bool CortexCore::startDevice(DeviceInfo info, QList<MontageChannel> montage, int channelCount)
+{
+    m_reconnectTarget.clear();
+    if (!m_startingName.isEmpty() && info.name == m_startingName) {
+        kxDebug() << QStringLiteral("ALREADY CONNECTING TO THIS DEVICE ") + info.name;
+        return false;
+    }
+    stopCurrentDevice();
+
+    kxDebug() << QStringLiteral("START DEVICE %1 %2").arg(info.name).arg(channelCount);
+    m_startingName = info.name;
+    Q_EMIT deviceStarting();
+
+    int chosen = channelCount < 0 ? info.preferredChannelCount : channelCount;
+    AbstractDevice* device = deviceFor(info);
+    const bool isVirtual = info.model == VirtualModel;
+    if (!device || (!isVirtual && info.channelModes.isEmpty())) {
+        kxDebug() << QStringLiteral("Device not available: ") + info.name;
+        m_startingName.clear();
+        return false;
+    }
+
+    float rate = 0;
+    QList<QString> channelNames = device->channelNames();
+    if (isVirtual) {
+        rate = device->samplingRate();
+        chosen = int(channelNames.size());
+    } else {
+        rate = info.channelModes.value(chosen, info.channelModes.first());
+        if (channelNames.size() > chosen)
+            channelNames = channelNames.mid(0, chosen);
+    }
+    if (montage.isEmpty()) {
+        kxDebug() << QStringLiteral("Create auto montage");
+        montage = DefaultMontage::forDevice(info, channelNames);
+        QStringList listed;
+        for (const MontageChannel& channel : std::as_const(montage))
+            listed.append(channel.name);
+        kxDebug() << listed.join(QStringLiteral(","));
+    }
+
+    m_currentDevice = device;
+    m_currentInfo = info;
+    m_currentInfo.currentChannelCount = chosen;
+    m_channelCount = chosen;
+    m_samplingRate = rate;
+    m_montage = montage;
+    recreateDataAndFilters(true);
+    connectDevice(device, info);
+
+    const bool opened = device->open();
+    if (opened && !isVirtual) {
+        device->start(int(rate));
+        kxDebug() << QStringLiteral("START DEVICE %1 Hz").arg(int(rate));
+    }
+    if (!opened) {
+        kxDebug() << QStringLiteral("Device could not be opened: ") + info.name;
+        stopDevice();
+        return false;
+    }
+
+    m_batteryLevel = device->batteryLevel();
+    stopDeviceSearch();
+    Q_EMIT deviceStarted();
+    Q_EMIT deviceStartedInfo(m_currentInfo);
+    Q_EMIT deviceBatteryLevelUpdated(m_batteryLevel);
+    m_deviceStarted = true;
+    return true;
+}
+
+bool CortexCore::startDeviceBySerialNumber(QString, QList<MontageChannel>)
+{
+    kxDebug() << QStringLiteral("not impl");
+    return false;
+}
+
+bool CortexCore::createDevice(int channelCount, float frequency)
+{
+    if (channelCount == 0 || frequency < 0)
+        return false;
+    return createDevice(DefaultMontage::standardChannelNames(channelCount), frequency);
+}
+
+bool CortexCore::createDevice(QList<QString> channelNames, float frequency)
+{
+    if (channelNames.isEmpty() || frequency < 0)
+        return false;
+    if (!m_generator)
+        m_generator = new GeneratorVirtualDevice(this);
+    m_generator->setSettings(m_virtualSettings);
+    m_generator->setFrequency(frequency);
+    m_generator->setChannelNames(channelNames);
+    m_devices.insert(GeneratorKey, m_generator);
+
+    DeviceInfo info;
+    info.name = GeneratorKey;
+    info.serialNumber = GeneratorKey;
+    info.model = VirtualModel;
+    info.maxChannels = int(channelNames.size());
+    info.preferredChannelCount = int(channelNames.size());
+    info.currentChannelCount = int(channelNames.size());
+    info.channelModes.insert(int(channelNames.size()), frequency);
+    startDevice(info, DefaultMontage::forChannelNames(channelNames), -1);
+    return true;
+}
+
+void CortexCore::connectDevice(AbstractDevice* device, const DeviceInfo& info)
+{
+    const QString name = info.name;
+    m_deviceConnections
+        << connect(device, &AbstractDevice::dataReady, this, &CortexCore::onDeviceData, Qt::QueuedConnection)
+        << connect(device, &AbstractDevice::connected, this,
+                   [name] { kxDebug() << QStringLiteral("DEVICE CONNECTED ") + name; }, Qt::QueuedConnection)
+        << connect(device, &AbstractDevice::batteryLevelUpdated, this, &CortexCore::deviceBatteryLevelUpdated,
+                   Qt::DirectConnection)
+        << connect(device, &AbstractDevice::impedanceFetched, this, &CortexCore::newImpedances,
+                   Qt::QueuedConnection)
+        << connect(device, &AbstractDevice::disconnected, this, [this, name] { reconnectToDevice(name); },
+                   Qt::QueuedConnection)
+        << connect(device, &AbstractDevice::wrongDataRate, this, [this, name] { reconnectToDevice(name); },
+                   Qt::QueuedConnection);
+}
+
+void CortexCore::dropDeviceConnections()
+{
+    for (const auto& connection : std::as_const(m_deviceConnections))
+        disconnect(connection);
+    m_deviceConnections.clear();
+}
+
+void CortexCore::stopCurrentDevice()
+{
+    dropDeviceConnections();
+    if (!m_deviceStarted)
+        return;
+    stopDevice();
+}
+
+void CortexCore::stopDevice()
+{
+    dropDeviceConnections();
+    m_startingName.clear();
+    if (!m_currentDevice)
+        return;
+    m_currentDevice->stop();
+    m_currentDevice->close();
+    m_currentDevice = nullptr;
+    m_deviceStarted = false;
+    m_currentInfo = DeviceInfo();
+    {
+        QMutexLocker locker(&m_dataMutex);
+        m_montage.clear();
+        m_pipeline.clear();
+        m_channelCount = 0;
+        m_samplingRate = 0;
+        m_histories.reset(0, 0, 0);
+    }
+    Q_EMIT deviceStopped();
+}
+
+bool CortexCore::isDeviceStarted() const { return m_deviceStarted; }
+AbstractDevice* CortexCore::currentDevice() const { return m_currentDevice; }
+DeviceInfo CortexCore::currentDeviceInfo() const { return m_currentInfo; }
+DeviceInfo CortexCore::getCurrentDevice() const { return m_currentInfo; }
+float CortexCore::getCurrentDeviceFrequency() const { return m_samplingRate; }
+
+// ---------------------------------------------------------------------------------------
+// Data path
+
+void CortexCore::onDeviceData(QList<QList<float>> block)
+{
+    // Blocks already queued when their device was stopped belong to no session any more.
+    if (sender() != m_currentDevice)
+        return;
+    addDataChannelWise(std::move(block));
+}
+
+CortexDataResult CortexCore::addDataChannelWise(QList<QList<float>> block)
+{
+    QMutexLocker locker(&m_dataMutex);
+    CortexDataResult result;
+    if (block.isEmpty())
+        return result;
+
+    m_histories.appendDevice(block);
+
+    QList<QList<float>> montage;
+    if (!m_pipeline.buildMontage(block, montage)) {
+        if (!m_montageMismatchReported) {
+            kxDebug() << QStringLiteral("Montage %1 vs %2").arg(m_pipeline.requiredInputs()).arg(block.size());
+            m_montageMismatchReported = true;
+        }
+        montage = block;
+    }
+    m_histories.appendMontage(montage);
+
+    const QList<QList<float>> filtered = m_pipeline.filter(montage);
+    m_histories.appendFiltered(filtered);
+    result.filteredBlock = filtered;
+
+    Q_EMIT newDataByChannel(filtered);
+    emitOptionalDataSignals(filtered);
+
+    const QList<int>& quality = m_pipeline.qualities();
+    result.channelValues.reserve(quality.size());
+    for (int value : quality)
+        result.channelValues.append(float(value));
+    Q_EMIT newSignalQuality(quality);
+
+    Q_EMIT newCortexDataResult(result);
+    return result;
+}
+
+// The flat forms cost a copy of every sample, so they are built only for listeners.
+void CortexCore::emitOptionalDataSignals(const QList<QList<float>>& filtered)
+{
+    static const QMetaMethod newDataSignal = QMetaMethod::fromSignal(&CortexCore::newData);
+    static const QMetaMethod channelWiseSignal = QMetaMethod::fromSignal(&CortexCore::newChannelWiseData);
+    const bool wantsSampleWise = isSignalConnected(newDataSignal);
+    const bool wantsChannelWise = isSignalConnected(channelWiseSignal);
+    if ((!wantsSampleWise && !wantsChannelWise) || filtered.isEmpty())
+        return;
+    const int channels = int(filtered.size());
+    const qsizetype samples = filtered.first().size();
+    if (wantsChannelWise) {
+        QList<float> channelWise;
+        channelWise.reserve(channels * samples);
+        for (const QList<float>& channel : filtered)
+            channelWise.append(channel);
+        Q_EMIT newChannelWiseData(channelWise, channels);
+    }
+    if (wantsSampleWise) {
+        QList<float> sampleWise(channels * samples);
+        for (int c = 0; c < channels; ++c) {
+            const QList<float>& channel = filtered[c];
+            for (qsizetype k = 0; k < samples && k < channel.size(); ++k)
+                sampleWise[k * channels + c] = channel[k];
+        }
+        Q_EMIT newData(sampleWise, channels);
+    }
+}
+
+CortexDataResult CortexCore::addData(QList<float> sampleWise)
+{
+    const int channels = m_channelCount;
+    if (channels <= 0 || sampleWise.size() < channels)
+        return CortexDataResult();
+    const qsizetype samples = sampleWise.size() / channels;
+    QList<QList<float>> block(channels);
+    for (int c = 0; c < channels; ++c) {
+        QList<float>& channel = block[c];
+        channel.resize(samples);
+        for (qsizetype k = 0; k < samples; ++k)
+            channel[k] = sampleWise[k * channels + c];
+    }
+    return addDataChannelWise(std::move(block));
+}
+
+void CortexCore::appendAndCropDataVector(QList<float>& target, QList<float>& source, int maxSize)
+{
+    target.append(source);
+    const qsizetype excess = target.size() - qMax(0, maxSize);
+    if (excess > 0)
+        target.remove(0, excess); // moves the list's begin; nothing is copied
+}
+
+FilterChain::Settings CortexCore::engineFilterSettings() const
+{
+    FilterChain::Settings settings;
+    settings.samplingRate = m_samplingRate;
+    settings.hpf = m_hpf;
+    settings.hpfOrder = m_hpfOrder;
+    settings.lpf = m_lpf;
+    settings.lpfOrder = m_lpfOrder;
+    settings.bsf = m_bsf;
+    settings.bsf2 = m_bsf2;
+    settings.useFir = Use_FIR;
+    return settings;
+}
+
+int CortexCore::historyLength() const
+{
+    return int(m_storageTime * m_samplingRate);
+}
+
+void CortexCore::recreateDataAndFilters(bool recreateFilters)
+{
+    {
+        QMutexLocker locker(&m_dataMutex);
+        m_pipeline.configure(m_montage, m_samplingRate, engineFilterSettings(), recreateFilters);
+        m_histories.reset(m_channelCount, int(m_montage.size()), historyLength());
+        m_montageMismatchReported = false;
+    }
+    Q_EMIT dataRecreated();
+}
+
+// ---------------------------------------------------------------------------------------
+// Filters
+
+void CortexCore::setHPF(float value, bool apply)
+{
+    m_hpf = qMax(0.0f, value);
+    if (apply)
+        recreateDataAndFilters(true);
+}
+
+void CortexCore::setLPF(float value, bool apply)
+{
+    m_lpf = qMax(0.0f, value);
+    if (apply)
+        recreateDataAndFilters(true);
+}
+
+void CortexCore::setBSF(float value, bool apply)
+{
+    m_bsf = qMax(0.0f, value);
+    if (apply)
+        recreateDataAndFilters(true);
+}
+
+void CortexCore::setBSF2(float value, bool apply)
+{
+    m_bsf2 = qMax(0.0f, value);
+    if (apply)
+        recreateDataAndFilters(true);
+}
+
+void CortexCore::setHPFOrder(int order, bool apply)
+{
+    m_hpfOrder = qBound(1, order, 8);
+    if (apply)
+        recreateDataAndFilters(true);
+}
+
+void CortexCore::setLPFOrder(int order, bool apply)
+{
+    m_lpfOrder = qBound(1, order, 8);
+    if (apply)
+        recreateDataAndFilters(true);
+}
+
+float CortexCore::getHPF() const { return m_hpf; }
+float CortexCore::getLPF() const { return m_lpf; }
+float CortexCore::getBSF() const { return m_bsf; }
+float CortexCore::getBSF2() const { return m_bsf2; }
+int CortexCore::getHPFOrder() const { return m_hpfOrder; }
+int CortexCore::getLPFOrder() const { return m_lpfOrder; }
+
+void CortexCore::setFilters(float hpf, float lpf, float bsf, float bsf2)
+{
+    setHPF(hpf, false);
+    setLPF(lpf, false);
+    setBSF(bsf, false);
+    setBSF2(bsf2, false);
+    recreateDataAndFilters(true);
+}
+
+void CortexCore::getFilters(float& hpf, float& lpf, float& bsf, float& bsf2) const
+{
+    hpf = m_hpf;
+    lpf = m_lpf;
+    bsf = m_bsf;
+    bsf2 = m_bsf2;
+}
+
+void CortexCore::setFilter(Filters type, int channel, float value, bool apply)
+{
+    if (channel < 0 || channel >= m_montage.size())
+        return;
+    MontageChannel& target = m_montage[channel];
+    const double cutoff = qMax(0.0f, value);
+    switch (type) {
+    case HPF: target.highPass = cutoff; break;
+    case LPF: target.lowPass = cutoff; break;
+    case BSF: target.bandStop = cutoff; break;
+    }
+    if (apply)
+        recreateDataAndFilters(true);
+}
+
+float CortexCore::getFilter(Filters type, int channel) const
+{
+    const FilterChain::Settings engine = engineFilterSettings();
+    const FilterChain::Settings used = (channel < 0 || channel >= m_montage.size())
+        ? engine
+        : ChannelPipeline::effectiveFilters(m_montage[channel], engine);
+    switch (type) {
+    case HPF: return used.hpf;
+    case LPF: return used.lpf;
+    case BSF: return used.bsf;
+    }
+    return 0;
+}
+
+// ---------------------------------------------------------------------------------------
+// Histories and grabs
+
+void CortexCore::setStorageTimeSeconds(int seconds)
+{
+    QMutexLocker locker(&m_dataMutex);
+    m_storageTime = float(qMax(0, seconds));
+    m_histories.setMaxSamples(historyLength());
+}
+
+int CortexCore::getStorageTimeSeconds() const { return int(m_storageTime); }
+
+void CortexCore::enableDataGrabMode(bool enable)
+{
+    QMutexLocker locker(&m_dataMutex);
+    m_grabMode = enable;
+    m_histories.setGrabEnabled(enable);
+}
+
+bool CortexCore::isDataGrabModeEnabled() const { return m_grabMode; }
+
+QList<QList<float>> CortexCore::getRawDeviceData() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_histories.device();
+}
+
+QList<QList<float>> CortexCore::getRawData() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_histories.montage();
+}
+
+QList<QList<float>> CortexCore::getFilteredData() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_histories.filtered();
+}
+
+QList<QList<float>> CortexCore::grabOriginalData()
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_histories.grabMontage();
+}
+
+QList<QList<float>> CortexCore::grabFilteredData()
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_histories.grabFiltered();
+}
+
+QList<int> CortexCore::getSignalQuality() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_pipeline.qualities();
+}
+
+// ---------------------------------------------------------------------------------------
+// Channels and montage
+
+void CortexCore::setChannelScale(int channel, double scale, bool apply)
+{
+    if (channel < 0 || channel >= m_montage.size())
+        return;
+    m_montage[channel].scale = scale;
+    if (apply)
+        recreateDataAndFilters(false);
+}
+
+void CortexCore::setChannelOffset(int channel, double offset, bool apply)
+{
+    if (channel < 0 || channel >= m_montage.size())
+        return;
+    m_montage[channel].offset = offset;
+    if (apply)
+        recreateDataAndFilters(false);
+}
+
+void CortexCore::setChannelVisualScale(int channel, double scale, bool)
+{
+    if (channel < 0 || channel >= m_montage.size())
+        return;
+    m_montage[channel].visualScale = scale;
+    Q_EMIT channelVisualScaleChanged(channel, scale);
+}
+
+double CortexCore::getChannelScale(int channel) const { return montageChannel(channel).scale; }
+double CortexCore::getChannelOffset(int channel) const { return montageChannel(channel).offset; }
+double CortexCore::getChannelVisualScale(int channel) const { return montageChannel(channel).visualScale; }
+
+QList<MontageChannel> CortexCore::getCurrentMontage() const { return m_montage; }
+
+QList<QString> CortexCore::getCurrentMontageChannelNames() const
+{
+    QList<QString> names;
+    for (const MontageChannel& channel : m_montage)
+        names.append(channel.name);
+    return names;
+}
+
+MontageChannel CortexCore::montageChannel(int index) const
+{
+    if (index < 0 || index >= m_montage.size())
+        return MontageChannel();
+    return m_montage[index];
+}
+
+int CortexCore::getMontageChannelIndex(QString name) const
+{
+    for (int i = 0; i < m_montage.size(); ++i) {
+        if (m_montage[i].name == name)
+            return i;
+    }
+    for (int i = 0; i < m_montage.size(); ++i) {
+        if (m_montage[i].name.compare(name, Qt::CaseInsensitive) == 0)
+            return i;
+    }
+    return -1;
+}
+
+void CortexCore::setMontageChannelNames(QList<QString> names)
+{
+    const qsizetype count = qMin(names.size(), m_montage.size());
+    for (qsizetype i = 0; i < count; ++i)
+        m_montage[i].name = names[i];
+    Q_EMIT montageChanged();
+}
+
+QList<int> CortexCore::channelIndexesFromNameString(QString names) const
+{
+    QList<int> indexes;
+    for (const QString& name : TextHelper::splitAndTrim(names)) {
+        const int index = getMontageChannelIndex(name);
+        if (index >= 0)
+            indexes.append(index);
+    }
+    return indexes;
+}

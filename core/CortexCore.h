@@ -1,0 +1,193 @@
+#pragma once
+
+#include "core/AbstractDevice.h"
+#include "core/ChannelPipeline.h"
+#include "core/CortexDataResult.h"
+#include "core/DeviceInfo.h"
+#include "core/EngineHistories.h"
+#include "dsp/MontageChannel.h"
+
+#include <QBluetoothDeviceInfo>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QRecursiveMutex>
+#include <QStringList>
+
+#include <functional>
+
+class AbstractDeviceDiscovery;
+class GeneratorVirtualDevice;
+class VirtualDevicesSettings;
+
+// The acquisition engine: finds devices, starts one, runs every block it delivers through
+// montage, filters and histories, and reports the results by signals, getters and grabs.
+class CortexCore : public QObject
+{
+    Q_OBJECT
+public:
+    enum MetaIndexes { Meditation, Concentration };
+    Q_ENUM(MetaIndexes)
+    enum Filters { HPF, LPF, BSF };
+    Q_ENUM(Filters)
+
+    // Creates the device object for a headset found by the Bluetooth search.
+    using HeadsetFactory = std::function<AbstractDevice*(const QBluetoothDeviceInfo&, QObject* parent)>;
+
+    // Filter family used when filters are built: the recursive-section family when true.
+    static bool Use_FIR;
+
+    explicit CortexCore(QObject* parent = nullptr);
+    ~CortexCore() override;
+
+    // Discovery and lifecycle
+    bool startDeviceSearch();
+    void stopDeviceSearch();
+    bool isSearchingDevices() const;
+    QList<DeviceInfo> getFoundDevices() const;
+    QList<AbstractDevice*> getDeviceList() const;
+    int getDeviceCount() const;
+    bool startDevice(DeviceInfo info, QList<MontageChannel> montage = {}, int channelCount = -1);
+    bool startDeviceBySerialNumber(QString serial, QList<MontageChannel> montage);
+    bool createDevice(int channelCount, float frequency);
+    bool createDevice(QList<QString> channelNames, float frequency);
+    void stopDevice();
+    bool isDeviceStarted() const;
+    AbstractDevice* currentDevice() const;
+    DeviceInfo currentDeviceInfo() const;
+    DeviceInfo getCurrentDevice() const;
+    float getCurrentDeviceFrequency() const;
+    void setVirtualDeviceSettings(VirtualDevicesSettings* settings);
+
+    // Seams for the Bluetooth side: the search itself and the headset objects it creates.
+    void setDeviceDiscovery(AbstractDeviceDiscovery* discovery);
+    void setHeadsetFactory(HeadsetFactory factory);
+
+    // Data path
+    CortexDataResult addDataChannelWise(QList<QList<float>> block);
+    CortexDataResult addData(QList<float> sampleWise);
+    static void appendAndCropDataVector(QList<float>& target, QList<float>& source, int maxSize);
+    void recreateDataAndFilters(bool recreateFilters);
+
+    void setHPF(float value, bool apply);
+    void setLPF(float value, bool apply);
+    void setBSF(float value, bool apply);
+    void setBSF2(float value, bool apply);
+    void setHPFOrder(int order, bool apply);
+    void setLPFOrder(int order, bool apply);
+    float getHPF() const;
+    float getLPF() const;
+    float getBSF() const;
+    float getBSF2() const;
+    int getHPFOrder() const;
+    int getLPFOrder() const;
+    void setFilters(float hpf, float lpf, float bsf, float bsf2);
+    void getFilters(float& hpf, float& lpf, float& bsf, float& bsf2) const;
+    void setFilter(Filters type, int channel, float value, bool apply);
+    float getFilter(Filters type, int channel) const;
+
+    void setStorageTimeSeconds(int seconds);
+    int getStorageTimeSeconds() const;
+    void enableDataGrabMode(bool enable);
+    bool isDataGrabModeEnabled() const;
+
+    QList<QList<float>> getRawDeviceData() const;
+    QList<QList<float>> getRawData() const;
+    QList<QList<float>> getFilteredData() const;
+    QList<QList<float>> grabOriginalData();
+    QList<QList<float>> grabFilteredData();
+    QList<int> getSignalQuality() const;
+
+    void setChannelScale(int channel, double scale, bool apply);
+    void setChannelOffset(int channel, double offset, bool apply);
+    void setChannelVisualScale(int channel, double scale, bool apply);
+    double getChannelScale(int channel) const;
+    double getChannelOffset(int channel) const;
+    double getChannelVisualScale(int channel) const;
+
+    QList<MontageChannel> getCurrentMontage() const;
+    QList<QString> getCurrentMontageChannelNames() const;
+    MontageChannel montageChannel(int index) const;
+    int getMontageChannelIndex(QString name) const;
+    void setMontageChannelNames(QList<QString> names);
+    QList<int> channelIndexesFromNameString(QString names) const;
+
+Q_SIGNALS:
+    void deviceFound(DeviceInfo info);
+    void deviceLost(DeviceInfo info);
+    void deviceSearchStarted();
+    void deviceSearchFinished();
+    void deviceStarting();
+    void deviceStarted();
+    void deviceStartedInfo(DeviceInfo info);
+    void deviceStopped();
+    void deviceBatteryLevelUpdated(int value);
+    void montageChanged();
+
+    void newData(QList<float> sampleWiseData, int channels);
+    void newChannelWiseData(QList<float> channelWiseData, int channels);
+    void newDataByChannel(QList<QList<float>> data);
+    void newSignalQuality(QList<int> quality);
+    void newCortexDataResult(CortexDataResult result);
+    void newImpedances(QList<double> impedances);
+    void dataRecreated();
+    void channelVisualScaleChanged(int channel, double scale);
+    void recordDurationChanged(float seconds);
+
+protected:
+    void reconnectToDevice(QString name);
+
+private Q_SLOTS:
+    void onDeviceData(QList<QList<float>> block);
+    void onSearchFinished();
+    void onSearchCanceled();
+    void onDeviceDiscovered(const QBluetoothDeviceInfo& info);
+
+private:
+    void stopCurrentDevice();
+    void dropDeviceConnections();
+    void connectDevice(AbstractDevice* device, const DeviceInfo& info);
+    AbstractDevice* deviceFor(const DeviceInfo& info) const;
+    void clearDeviceMap();
+    void listGenerator();
+    void emitOptionalDataSignals(const QList<QList<float>>& filtered);
+    FilterChain::Settings engineFilterSettings() const;
+    int historyLength() const;
+
+    static void registerTypes();
+
+    mutable QRecursiveMutex m_dataMutex;
+
+    AbstractDeviceDiscovery* m_discovery = nullptr;
+    bool m_discoveryConnected = false;
+    HeadsetFactory m_headsetFactory;
+    QList<DeviceInfo> m_foundDevices;
+    QMap<QString, AbstractDevice*> m_devices;
+    GeneratorVirtualDevice* m_generator = nullptr;
+    VirtualDevicesSettings* m_virtualSettings = nullptr;
+
+    AbstractDevice* m_currentDevice = nullptr;
+    DeviceInfo m_currentInfo;
+    QString m_startingName;
+    int m_channelCount = 0;
+    QString m_reconnectTarget;
+    bool m_searching = false;
+    bool m_deviceStarted = false;
+    int m_batteryLevel = -1;
+    QList<QMetaObject::Connection> m_deviceConnections;
+
+    // Data path state
+    QList<MontageChannel> m_montage;
+    ChannelPipeline m_pipeline;
+    EngineHistories m_histories;
+    float m_samplingRate = 0;
+    float m_storageTime = 10;
+    float m_lpf = 40;
+    float m_hpf = 2;
+    float m_bsf = 50;
+    float m_bsf2 = 0;
+    int m_lpfOrder = 4;
+    int m_hpfOrder = 4;
+    bool m_grabMode = false;
+    bool m_montageMismatchReported = false;
+};

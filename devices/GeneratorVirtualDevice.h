@@ -1,0 +1,47 @@
+#pragma once
+
+#include "core/AbstractDevice.h"
+#include "services/TimeSource.h"
+
+#include <QObject>
+
+class KxTimer;
+class VirtualDevicesSettings;
+
+// A device without hardware: synthesises multichannel test signals in microvolts and hands
+// them to the engine exactly as a headset's samples would arrive.
+class GeneratorVirtualDevice : public AbstractDevice
+{
+    Q_OBJECT
+public:
+    enum GeneratorType { Sine = 0, Saw = 1, Random = 2, Meander = 3, DoubleSine = 4, ModulatedSine = 5, ECG = 6 };
+    Q_ENUM(GeneratorType)
+
+    explicit GeneratorVirtualDevice(QObject* parent = nullptr);
+    ~GeneratorVirtualDevice() override;
+
+    void setSettings(VirtualDevicesSettings* settings);
+    void setSettings(float samplingRate, float baseFrequency, float frequencyIncrement, float amplitude,
+                     QList<QString> channelNames, int signalType, float secondFrequency);
+    void setFrequency(float samplingRate);
+    void setAmplitude(float amplitude);
+    void setBaseFreq(float frequency);
+    void setFreqIncrement(float increment);
+    void setSignalType(int type);
+    void setChannelNames(QList<QString> names);
+
+    // Pacing reads the wall clock through this; tests drive it by hand.
+    void setTimeSource(TimeSource source);
+
+    QString deviceType() override;
+    QString deviceVersion() override;
+    bool open() override;
+    void close() override;
+    bool start(int frequency) override;
+    void stop() override;
+    bool hasBattery() override;
+    bool hasImpedance() override;
+
+private Q_SLOTS:
+    void onDataTimer();
+};
