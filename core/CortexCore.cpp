@@ -311,6 +311,7 @@ bool CortexCore::createDevice(QList<QString> channelNames, float frequency)
 {
     if (channelNames.isEmpty() || frequency < 0)
         return false;
+    stopDevice(); // the generator may be running with another layout
     if (!m_generator)
         m_generator = new GeneratorVirtualDevice(this);
     m_generator->setSettings(m_virtualSettings);
@@ -396,7 +397,7 @@ float CortexCore::getCurrentDeviceFrequency() const { return m_samplingRate; }
 void CortexCore::onDeviceData(QList<QList<float>> block)
 {
     // Blocks already queued when their device was stopped belong to no session any more.
-    if (sender() != m_currentDevice)
+    if (!m_currentDevice || sender() != m_currentDevice)
         return;
     addDataChannelWise(std::move(block));
 }
