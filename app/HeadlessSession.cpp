@@ -29,8 +29,12 @@ bool HeadlessSession::start(QString& error)
         m_csvOpen = true;
     }
     connect(engine, &CortexCore::newDataByChannel, this, &HeadlessSession::onData);
-    if (m_options.durationSeconds > 0)
-        QTimer::singleShot(qint64(m_options.durationSeconds * 1000.0), this, [this] { finish(0); });
+    if (m_options.durationSeconds > 0) {
+        // The duration is streaming time: the run ends when that much signal has arrived.
+        m_targetSamples = qRound64(m_options.durationSeconds * double(engine->getCurrentDeviceFrequency()));
+        QTimer::singleShot(qint64(m_options.durationSeconds * 1000.0) + StallGraceMs, Qt::PreciseTimer, this,
+                           &HeadlessSession::onDeadline);
+    }
     return true;
 }
 
@@ -47,12 +51,34 @@ bool HeadlessSession::startGenerator(QString& error)
     return false;
 }
 
-void HeadlessSession::onData(const QList<QList<float>>& block)
+void HeadlessSession::onData(QList<QList<float>> block)
 {
-    if (m_finished || !m_csvOpen || m_csv.write(block))
+    if (m_finished || block.isEmpty())
         return;
-    m_csvOpen = false;
-    std::fprintf(stderr, "orvexpro: writing %s failed; stopping\n", qUtf8Printable(m_options.csvPath));
+    if (m_targetSamples > 0) {
+        const qint64 wanted = m_targetSamples - m_samples;
+        if (block.first().size() > wanted) {
+            for (QList<float>& channel : block)
+                channel.resize(wanted);
+        }
+    }
+    m_samples += block.first().size();
+    if (m_csvOpen && !m_csv.write(block)) {
+        m_csvOpen = false;
+        std::fprintf(stderr, "orvexpro: writing %s failed; stopping\n", qUtf8Printable(m_options.csvPath));
+        finish(1);
+        return;
+    }
+    if (m_targetSamples > 0 && m_samples >= m_targetSamples)
+        finish(0);
+}
+
+void HeadlessSession::onDeadline()
+{
+    if (m_finished)
+        return;
+    std::fprintf(stderr, "orvexpro: the device delivered only %lld of %lld samples per channel in time; stopping\n",
+                 static_cast<long long>(m_samples), static_cast<long long>(m_targetSamples));
     finish(1);
 }
 

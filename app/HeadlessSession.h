@@ -27,11 +27,17 @@ Q_SIGNALS:
 
 private:
     bool startGenerator(QString& error);
-    void onData(const QList<QList<float>>& block);
+    void onData(QList<QList<float>> block);
+    void onDeadline();
+
+    // A device that stops delivering must not keep a timed run alive for ever.
+    static constexpr int StallGraceMs = 10000;
 
     OrvexModel* m_model;
     HeadlessOptions m_options;
     CsvStreamWriter m_csv;
     bool m_csvOpen = false;
     bool m_finished = false;
+    qint64 m_samples = 0;       // per channel, since streaming started
+    qint64 m_targetSamples = 0; // 0: no duration given
 };

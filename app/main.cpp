@@ -21,12 +21,12 @@ void fail(const QString& message)
     std::fprintf(stderr, "orvexpro: %s\n", qUtf8Printable(message));
 }
 
-// The console echoes every item as debug output; on a terminal session only problems belong
-// on stderr unless --verbose asks for the whole console.
-void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message)
+// The console echoes every item as debug output, and the platform's Bluetooth layer warns
+// when there is no adapter. On a terminal session only our own failure lines belong on
+// stderr, unless --verbose asks for everything.
+void messageHandler(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    const bool bluetoothNoise = context.category && qstrncmp(context.category, "qt.bluetooth", 12) == 0;
-    if (!s_verbose && (type == QtDebugMsg || type == QtInfoMsg || bluetoothNoise))
+    if (!s_verbose && type != QtCriticalMsg && type != QtFatalMsg)
         return;
     std::fprintf(stderr, "%s\n", qUtf8Printable(message));
 }

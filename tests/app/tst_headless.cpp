@@ -1,0 +1,199 @@
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <cmath>
+
+// The headless program as a user runs it: a real process, its exit code, its stderr and the
+// files it writes.
+class TestHeadless : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_home;
+
+    struct Run
+    {
+        int exitCode = -1;
+        QByteArray out;
+        QByteArray err;
+    };
+
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("HOME"), m_home.path());
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        return env;
+    }
+
+    Run run(const QStringList& arguments, int timeoutMs = 30000)
+    {
+        QProcess process;
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(ORVEX_BINARY), arguments);
+        Run result;
+        if (!process.waitForFinished(timeoutMs)) {
+            process.kill();
+            process.waitForFinished();
+            return result;
+        }
+        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        result.out = process.readAllStandardOutput();
+        result.err = process.readAllStandardError();
+        return result;
+    }
+
+    static QList<QList<double>> readCsv(const QString& path, QStringList& header)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        header = QString::fromUtf8(lines.first()).split(QLatin1Char(';'));
+        QList<QList<double>> rows;
+        for (qsizetype i = 1; i < lines.size(); ++i) {
+            if (lines[i].isEmpty())
+                continue;
+            QList<double> row;
+            for (const QByteArray& cell : lines[i].split(';')) {
+                if (!cell.isEmpty())
+                    row.append(cell.toDouble());
+            }
+            rows.append(row);
+        }
+        return rows;
+    }
+
+private Q_SLOTS:
+    void generatorSinesAsCsv()
+    {
+        const QString csv = m_home.filePath(QStringLiteral("out/sines.csv"));
+        const Run result = run({ "--headless", "--device", "generator", "--set", "SignalType=Sine", "--set",
+                                 "GeneratorSamplingRate=250", "--set", "HPF=0", "--set", "LPF=0", "--set", "BSF=0",
+                                 "--duration", "2", "--csv", csv });
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.err.isEmpty(), result.err.constData());
+
+        QStringList header;
+        const QList<QList<double>> rows = readCsv(csv, header);
+        QCOMPARE(header, QStringList({ "t", "O1", "T3", "Fp1", "Fp2", "T4", "O2", "" }));
+        QCOMPARE(rows.size(), 500); // two seconds at 250 Hz, one row per sample
+        double peak = 0;
+        int crossings = 0;
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            const QList<double>& row = rows[i];
+            QCOMPARE(row.size(), 7);
+            QVERIFY(std::abs(row[0] - double(i) / 250.0) < 0.0006);
+            for (int c = 2; c < 7; ++c)
+                QCOMPARE(row[c], row[1]);
+            // Filters off: the generator's own sine, from the first sample of the session.
+            const double expected = 250.0 * std::sin(2.0 * M_PI * 10.0 * double(i) / 250.0);
+            QVERIFY2(std::abs(row[1] - expected) < 0.05, qPrintable(QString::number(row[1])));
+            peak = std::max(peak, std::abs(row[1]));
+            if (i > 0 && (rows[i - 1][1] < 0) != (row[1] < 0))
+                ++crossings;
+        }
+        QVERIFY2(peak > 249 && peak <= 250.001, qPrintable(QString::number(peak)));
+        QVERIFY2(std::abs(crossings - 40) <= 1, qPrintable(QString::number(crossings))); // 10 Hz for 2 s
+    }
+
+    void csvGrowsWhileStreamingAndStopsCleanly()
+    {
+        const QString csv = m_home.filePath(QStringLiteral("live.csv"));
+        QProcess process;
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--csv", csv });
+        QVERIFY(process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(csv).size() > 2000, 10000);
+        ::kill(pid_t(process.processId()), SIGTERM);
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 0);
+        QFile file(csv);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray content = file.readAll();
+        QVERIFY(content.endsWith(";\n")); // the last row is complete
+    }
+
+    void informationOptions()
+    {
+        const Run help = run({ "--help" });
+        QCOMPARE(help.exitCode, 0);
+        QVERIFY(help.out.contains("--duration"));
+        const Run version = run({ "--version" });
+        QCOMPARE(version.exitCode, 0);
+        QVERIFY(version.out.startsWith("OrvexPro "));
+    }
+
+    void printSettingsShowsEveryCapability()
+    {
+        const Run result = run({ "--print-settings", "--set", "GeneratorAmplitude=100" });
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject all = QJsonDocument::fromJson(result.out).object();
+        bool found = false;
+        for (const QJsonValue& value : all.value(QStringLiteral("virtualDeviceSettings")).toArray()) {
+            const QJsonObject capability = value.toObject();
+            if (capability.value(QStringLiteral("name")).toString() == QLatin1String("GeneratorAmplitude")) {
+                found = true;
+                QCOMPARE(capability.value(QStringLiteral("value")).toVariant().toDouble(), 100.0);
+            }
+        }
+        QVERIFY(found);
+        QVERIFY(!all.value(QStringLiteral("settings")).toArray().isEmpty());
+    }
+
+    void badCommandLinesExitTwoWithOneLine_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("unknown option") << QStringList { "--headless", "--frobnicate" };
+        QTest::newRow("missing value") << QStringList { "--headless", "--duration" };
+        QTest::newRow("bad duration") << QStringList { "--headless", "--duration", "soon" };
+        QTest::newRow("unknown device") << QStringList { "--headless", "--device", "toaster" };
+        QTest::newRow("unknown setting") << QStringList { "--headless", "--set", "Bogus=1" };
+        QTest::newRow("not a number") << QStringList { "--headless", "--set", "HPF=abc" };
+        QTest::newRow("out of range") << QStringList { "--headless", "--set", "GeneratorSamplingRate=5" };
+        QTest::newRow("bad enum") << QStringList { "--headless", "--set", "SignalType=Square" };
+        QTest::newRow("no equals") << QStringList { "--headless", "--set", "HPF" };
+    }
+
+    void badCommandLinesExitTwoWithOneLine()
+    {
+        QFETCH(QStringList, arguments);
+        const Run result = run(arguments);
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.err.trimmed().count('\n'), 0);
+        QVERIFY(result.err.startsWith("orvexpro: "));
+    }
+
+    void runtimeFailuresExitOne()
+    {
+        const Run unwritable = run({ "--headless", "--duration", "1", "--csv", "/proc/no/such/folder/out.csv" });
+        QCOMPARE(unwritable.exitCode, 1);
+        QCOMPARE(unwritable.err.trimmed().count('\n'), 0);
+        QVERIFY(unwritable.err.contains("cannot write"));
+
+        const Run switchedOff = run({ "--headless", "--duration", "1", "--set", "GeneratorEnabled=false" });
+        QCOMPARE(switchedOff.exitCode, 1);
+        QCOMPARE(switchedOff.err.trimmed().count('\n'), 0);
+    }
+
+    void valuesSetForOneRunAreNotKept()
+    {
+        QCOMPARE(run({ "--headless", "--duration", "0.2", "--set", "HPF=7" }).exitCode, 0);
+        const Run after = run({ "--print-settings" });
+        for (const QJsonValue& value : QJsonDocument::fromJson(after.out).object().value("settings").toArray()) {
+            const QJsonObject capability = value.toObject();
+            if (capability.value(QStringLiteral("name")).toString() == QLatin1String("HPF"))
+                QCOMPARE(capability.value(QStringLiteral("value")).toVariant().toDouble(), 2.0);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHeadless)
+#include "tst_headless.moc"
