@@ -1,6 +1,7 @@
 #include "app/OrvexModel.h"
 
 #include "core/CortexCore.h"
+#include "services/GlobalConsole.h"
 #include "settings/MetaDescription.h"
 #include "settings/OrvexSettings.h"
 #include "settings/VirtualDevicesSettings.h"
@@ -17,6 +18,7 @@ OrvexModel::OrvexModel(QObject* parent)
     m_engine->setLPFOrder(m_settings->getLPFOrder(), false);
     m_engine->setStorageTimeSeconds(m_settings->getStorageTime());
     m_engine->setVirtualDeviceSettings(m_virtualDevices);
+    GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
 
     connect(m_settings, &KxSettings::settingChanged, this, &OrvexModel::applyEngineSetting);
     connect(m_virtualDevices, &KxSettings::settingChanged, this,
@@ -39,6 +41,8 @@ void OrvexModel::applyEngineSetting(const QString& name)
         m_engine->setLPFOrder(m_settings->getLPFOrder(), true);
     else if (name == QLatin1String("StorageTime"))
         m_engine->setStorageTimeSeconds(m_settings->getStorageTime());
+    else if (name == QLatin1String("LoggingEnabled"))
+        GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
     else if (name == QLatin1String("UseFIR")) {
         CortexCore::Use_FIR = m_settings->getUseFIR();
         m_engine->recreateDataAndFilters(true);

@@ -10,6 +10,10 @@ class VirtualDevicesSettings;
 
 // A device without hardware: synthesises multichannel test signals in microvolts and hands
 // them to the engine exactly as a headset's samples would arrive.
+//
+// Part of the waveform state (sine time axis, per-channel counters, ECG beats, the noise
+// generator) is process-wide and shared by every instance, so all instances must live on one
+// thread.
 class GeneratorVirtualDevice : public AbstractDevice
 {
     Q_OBJECT
@@ -44,4 +48,32 @@ public:
 
 private Q_SLOTS:
     void onDataTimer();
+
+private:
+    void calcSampleOnPack();
+    void makeSine();
+    void makeSaw();
+    void makeRandom();
+    void makeMeander();
+    void makeECG();
+    float randomFloat(float min, float max);
+
+    float channelFrequency(int channel) const;
+    QList<QList<float>> newBlock() const;
+
+    KxTimer* m_dataTimer = nullptr;
+    qint64 m_lastTickTime = 0;
+    float m_sampleCarry = 0;
+    float m_secondFrequency = 0;
+    float m_modulationFrequency = 0;
+    float m_amplitude = 250.0f;
+    float m_frequencyIncrement = 0;
+    float m_samplesPerMs = 0;
+    float m_baseFrequency = 10.0f;
+    qint32 m_samplesThisTick = 0;
+    int m_signalType = Random; // a GeneratorType; held as int so any stored value is defined
+    float m_ecgHeartRate = 60.0f;
+    float m_ecgHrv = 0.5f;
+
+    TimeSource m_timeSource;
 };
