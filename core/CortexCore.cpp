@@ -524,47 +524,25 @@ void CortexCore::recreateDataAndFilters(bool recreateFilters)
 // ---------------------------------------------------------------------------------------
 // Filters
 
-void CortexCore::setHPF(float value, bool apply)
+template<typename T>
+void CortexCore::storeFilterSetting(T& target, T value, bool apply)
 {
-    m_hpf = qMax(0.0f, value);
+    target = value;
     if (apply)
         recreateDataAndFilters(true);
 }
 
-void CortexCore::setLPF(float value, bool apply)
-{
-    m_lpf = qMax(0.0f, value);
-    if (apply)
-        recreateDataAndFilters(true);
-}
+void CortexCore::setHPF(float value, bool apply) { storeFilterSetting(m_hpf, qMax(0.0f, value), apply); }
 
-void CortexCore::setBSF(float value, bool apply)
-{
-    m_bsf = qMax(0.0f, value);
-    if (apply)
-        recreateDataAndFilters(true);
-}
+void CortexCore::setLPF(float value, bool apply) { storeFilterSetting(m_lpf, qMax(0.0f, value), apply); }
 
-void CortexCore::setBSF2(float value, bool apply)
-{
-    m_bsf2 = qMax(0.0f, value);
-    if (apply)
-        recreateDataAndFilters(true);
-}
+void CortexCore::setBSF(float value, bool apply) { storeFilterSetting(m_bsf, qMax(0.0f, value), apply); }
 
-void CortexCore::setHPFOrder(int order, bool apply)
-{
-    m_hpfOrder = qBound(1, order, 8);
-    if (apply)
-        recreateDataAndFilters(true);
-}
+void CortexCore::setBSF2(float value, bool apply) { storeFilterSetting(m_bsf2, qMax(0.0f, value), apply); }
 
-void CortexCore::setLPFOrder(int order, bool apply)
-{
-    m_lpfOrder = qBound(1, order, 8);
-    if (apply)
-        recreateDataAndFilters(true);
-}
+void CortexCore::setHPFOrder(int order, bool apply) { storeFilterSetting(m_hpfOrder, qBound(1, order, 8), apply); }
+
+void CortexCore::setLPFOrder(int order, bool apply) { storeFilterSetting(m_lpfOrder, qBound(1, order, 8), apply); }
 
 float CortexCore::getHPF() const { return m_hpf; }
 float CortexCore::getLPF() const { return m_lpf; }

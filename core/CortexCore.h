@@ -152,6 +152,8 @@ private:
     void listGenerator();
     void emitOptionalDataSignals(const QList<QList<float>>& filtered);
     FilterChain::Settings engineFilterSettings() const;
+    template<typename T>
+    void storeFilterSetting(T& target, T value, bool apply);
     int historyLength() const;
 
     static void registerTypes();

@@ -1,0 +1,8 @@
+#include "settings/AbstractMetaDescription.h"
+
+AbstractMetaDescription::AbstractMetaDescription(QObject* parent)
+    : QObject(parent)
+{
+}
+
+AbstractMetaDescription::~AbstractMetaDescription() = default;
