@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Filter throughput: our chain (bench_filters) against scipy's sosfilt on the same sections.
-# Builds nothing. Usage: bench/run_filters.sh [build folder]   (default /work/main/build)
+# Builds nothing. Usage: bench/run_filters.sh [build folder]   (default: build/ beside bench/)
 set -euo pipefail
 
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
-build="${1:-/work/main/build}"
+build="${1:-$here/../build}"
 bench="$build/bench/bench_filters"
 python=/usr/bin/python3
 
