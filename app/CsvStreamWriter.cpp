@@ -15,25 +15,21 @@ CsvStreamWriter::~CsvStreamWriter()
     delete m_table;
 }
 
-bool CsvStreamWriter::open(const QString& path, const QStringList& channelNames, float samplingRate,
-                           QString& error)
+bool CsvStreamWriter::open(const QString& path, const QStringList& columns, QString& error)
 {
     QStringList headers { QStringLiteral("t") };
-    headers.append(channelNames);
+    headers.append(columns);
     m_table->setHeaders(headers);
     m_table->setCellFormat(0, NumericTableCSV::CellNumberFormat_Double_3precision);
-    m_samplingRate = samplingRate;
-    m_rows = 0;
     if (!m_table->startContinuousRecord(path, true)) {
         error = QStringLiteral("cannot write %1: %2").arg(QFileInfo(path).absoluteFilePath(), m_table->errorString());
         return false;
     }
-    m_table->flush();
-    m_sinceFlush.start();
+    flushNow(true);
     return true;
 }
 
-bool CsvStreamWriter::write(const QList<QList<float>>& block)
+bool CsvStreamWriter::writeBlock(const QList<QList<float>>& block, qint64 firstSample, float samplingRate)
 {
     if (!m_table->isRecording() || block.isEmpty())
         return false;
@@ -42,17 +38,33 @@ bool CsvStreamWriter::write(const QList<QList<float>>& block)
     bool ok = true;
     // One reused row: the table never grows, however long the session runs.
     for (qsizetype k = 0; k < samples; ++k) {
-        m_table->setValue(0, 0, double(m_rows) / m_samplingRate);
+        m_table->setValue(0, 0, double(firstSample + k) / samplingRate);
         for (int c = 1; c < columns && c - 1 < block.size(); ++c)
             m_table->setValue(0, c, double(block[c - 1].value(k)));
         ok = m_table->writeLastLine() && ok;
-        ++m_rows;
     }
-    if (m_sinceFlush.elapsed() >= FlushIntervalMs) {
-        m_table->flush();
-        m_sinceFlush.restart();
-    }
+    flushNow(false);
     return ok;
+}
+
+bool CsvStreamWriter::writeRow(double seconds, const QList<double>& values)
+{
+    if (!m_table->isRecording())
+        return false;
+    m_table->setValue(0, 0, seconds);
+    for (int c = 1; c < m_table->headerCount(); ++c)
+        m_table->setValue(0, c, values.value(c - 1));
+    const bool ok = m_table->writeLastLine();
+    flushNow(false);
+    return ok;
+}
+
+void CsvStreamWriter::flushNow(bool force)
+{
+    if (!force && m_sinceFlush.isValid() && m_sinceFlush.elapsed() < FlushIntervalMs)
+        return;
+    m_table->flush();
+    m_sinceFlush.restart();
 }
 
 void CsvStreamWriter::close()

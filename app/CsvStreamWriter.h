@@ -7,24 +7,25 @@
 
 class NumericTableCSV;
 
-// Streams channel blocks into a CSV file: a column "t" (seconds since the first sample), then
-// one column per channel; one row per sample. The file is flushed at least twice a second
-// so it can be read while it grows.
+// Streams rows into a CSV file whose first column "t" is seconds since streaming started.
+// The file is flushed at least twice a second so it can be read while it grows.
 class CsvStreamWriter
 {
 public:
     CsvStreamWriter();
     ~CsvStreamWriter();
 
-    bool open(const QString& path, const QStringList& channelNames, float samplingRate, QString& error);
-    bool write(const QList<QList<float>>& block);
+    // `columns` are the names after "t".
+    bool open(const QString& path, const QStringList& columns, QString& error);
+    // One row per sample of a channel block; sample k is at firstSample + k of the stream.
+    bool writeBlock(const QList<QList<float>>& block, qint64 firstSample, float samplingRate);
+    bool writeRow(double seconds, const QList<double>& values);
     void close();
-    qint64 rowsWritten() const { return m_rows; }
 
 private:
+    void flushNow(bool force);
+
     NumericTableCSV* m_table;
-    float m_samplingRate = 0;
-    qint64 m_rows = 0;
     QElapsedTimer m_sinceFlush;
     static constexpr int FlushIntervalMs = 500;
 };

@@ -47,6 +47,9 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
         } else if (argument == QLatin1String("--csv")) {
             if (!takeValue(arguments, i, options.csvPath, error))
                 return false;
+        } else if (argument == QLatin1String("--csv-metrics")) {
+            if (!takeValue(arguments, i, options.csvMetricsPath, error))
+                return false;
         } else if (argument == QLatin1String("--set")) {
             if (!takeValue(arguments, i, value, error))
                 return false;
@@ -74,6 +77,8 @@ QString HeadlessOptions::usage()
         "  --duration SECONDS   stop, close the files and exit 0 after that much streaming\n"
         "                       (default: until interrupted with Ctrl+C)\n"
         "  --csv PATH           write the filtered montage channels as CSV while streaming\n"
+        "  --csv-metrics PATH   write one CSV row per spectrum step: every channel's rhythm\n"
+        "                       shares, meditation, concentration and the custom algorithms\n"
         "  --set Key=Value      change a setting for this run (repeatable; see --print-settings)\n"
         "  --print-settings     print every setting with its type, value and range as JSON\n"
         "  --verbose            echo the engine's console on stderr\n"

@@ -16,6 +16,7 @@ struct HeadlessOptions
     QString device = QStringLiteral("generator");
     double durationSeconds = 0; // 0: until interrupted
     QString csvPath;
+    QString csvMetricsPath;
     QList<QPair<QString, QString>> settings; // --set Key=Value, in order
 
     // Fills `options` from the arguments (program name first); false with `error` set when

@@ -2,6 +2,7 @@
 
 #include "app/OrvexModel.h"
 #include "core/CortexCore.h"
+#include "dsp/CustomBCIAlgorithm.h"
 
 #include <QTimer>
 
@@ -20,18 +21,26 @@ bool HeadlessSession::start(QString& error)
     if (!startGenerator(error))
         return false;
 
+    m_samplingRate = engine->getCurrentDeviceFrequency();
     if (!m_options.csvPath.isEmpty()) {
-        if (!m_csv.open(m_options.csvPath, engine->getCurrentMontageChannelNames(),
-                        engine->getCurrentDeviceFrequency(), error)) {
+        if (!m_csv.open(m_options.csvPath, engine->getCurrentMontageChannelNames(), error)) {
             engine->stopDevice();
             return false;
         }
         m_csvOpen = true;
     }
+    if (!m_options.csvMetricsPath.isEmpty()) {
+        if (!openMetrics(error)) {
+            engine->stopDevice();
+            return false;
+        }
+        m_metricsOpen = true;
+    }
     connect(engine, &CortexCore::newDataByChannel, this, &HeadlessSession::onData);
+    connect(engine, &CortexCore::newCortexDataResult, this, &HeadlessSession::onResult);
     if (m_options.durationSeconds > 0) {
         // The duration is streaming time: the run ends when that much signal has arrived.
-        m_targetSamples = qRound64(m_options.durationSeconds * double(engine->getCurrentDeviceFrequency()));
+        m_targetSamples = qRound64(m_options.durationSeconds * double(m_samplingRate));
         QTimer::singleShot(qint64(m_options.durationSeconds * 1000.0) + StallGraceMs, Qt::PreciseTimer, this,
                            &HeadlessSession::onDeadline);
     }
@@ -62,8 +71,9 @@ void HeadlessSession::onData(QList<QList<float>> block)
                 channel.resize(wanted);
         }
     }
+    const qint64 first = m_samples;
     m_samples += block.first().size();
-    if (m_csvOpen && !m_csv.write(block)) {
+    if (m_csvOpen && !m_csv.writeBlock(block, first, m_samplingRate)) {
         m_csvOpen = false;
         std::fprintf(stderr, "orvexpro: writing %s failed; stopping\n", qUtf8Printable(m_options.csvPath));
         finish(1);
@@ -71,6 +81,38 @@ void HeadlessSession::onData(QList<QList<float>> block)
     }
     if (m_targetSamples > 0 && m_samples >= m_targetSamples)
         finish(0);
+}
+
+// One row per spectrum step: each channel's rhythm shares, both indices, every custom algorithm.
+bool HeadlessSession::openMetrics(QString& error)
+{
+    CortexCore* engine = m_model->engine();
+    QStringList columns;
+    for (const QString& channel : engine->getCurrentMontageChannelNames()) {
+        for (const char* rhythm : { "alpha", "beta", "theta", "delta", "gamma" })
+            columns.append(channel + QLatin1Char('_') + QLatin1String(rhythm));
+    }
+    columns << QStringLiteral("meditation") << QStringLiteral("concentration");
+    for (CustomBCIAlgorithm* algorithm : engine->getCustomAlgoritms())
+        columns.append(algorithm->getName());
+    return m_metrics.open(m_options.csvMetricsPath, columns, error);
+}
+
+void HeadlessSession::onResult(const CortexDataResult& result)
+{
+    if (m_finished || !m_metricsOpen || !result.hasSpectrum)
+        return;
+    QList<double> values;
+    for (const StandartRhythmSample& rhythms : m_model->engine()->getLastStandartRhythms())
+        values << rhythms.alpha << rhythms.beta << rhythms.theta << rhythms.delta << rhythms.gamma;
+    values << result.meditation.level << result.concentration.level;
+    for (const QJsonObject& algorithm : result.algorithmResults)
+        values << algorithm.value(QStringLiteral("value")).toDouble();
+    if (m_metrics.writeRow(double(m_samples) / m_samplingRate, values))
+        return;
+    m_metricsOpen = false;
+    std::fprintf(stderr, "orvexpro: writing %s failed; stopping\n", qUtf8Printable(m_options.csvMetricsPath));
+    finish(1);
 }
 
 void HeadlessSession::onDeadline()
@@ -89,5 +131,6 @@ void HeadlessSession::finish(int exitCode)
     m_finished = true;
     m_model->engine()->stopDevice();
     m_csv.close();
+    m_metrics.close();
     Q_EMIT finished(exitCode);
 }

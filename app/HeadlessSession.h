@@ -2,6 +2,7 @@
 
 #include "app/CsvStreamWriter.h"
 #include "app/HeadlessOptions.h"
+#include "core/CortexDataResult.h"
 
 #include <QObject>
 
@@ -27,7 +28,9 @@ Q_SIGNALS:
 
 private:
     bool startGenerator(QString& error);
+    bool openMetrics(QString& error);
     void onData(QList<QList<float>> block);
+    void onResult(const CortexDataResult& result);
     void onDeadline();
 
     // A device that stops delivering must not keep a timed run alive for ever.
@@ -36,7 +39,10 @@ private:
     OrvexModel* m_model;
     HeadlessOptions m_options;
     CsvStreamWriter m_csv;
+    CsvStreamWriter m_metrics;
     bool m_csvOpen = false;
+    bool m_metricsOpen = false;
+    float m_samplingRate = 0;
     bool m_finished = false;
     qint64 m_samples = 0;       // per channel, since streaming started
     qint64 m_targetSamples = 0; // 0: no duration given

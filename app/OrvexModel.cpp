@@ -21,6 +21,7 @@ OrvexModel::OrvexModel(QObject* parent)
     GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
 
     connect(m_settings, &KxSettings::settingChanged, this, &OrvexModel::applyEngineSetting);
+    connect(m_engine, &CortexCore::deviceStarted, this, &OrvexModel::startMetering);
     connect(m_virtualDevices, &KxSettings::settingChanged, this,
             [this] { m_engine->setVirtualDeviceSettings(m_virtualDevices); });
 }
@@ -43,6 +44,10 @@ void OrvexModel::applyEngineSetting(const QString& name)
         m_engine->setStorageTimeSeconds(m_settings->getStorageTime());
     else if (name == QLatin1String("LoggingEnabled"))
         GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
+    else if ((name.startsWith(QLatin1String("Spectrum")) || name.startsWith(QLatin1String("Meditation"))
+              || name.startsWith(QLatin1String("Concentration")))
+             && m_engine->isDeviceStarted())
+        startMetering();
     else if (name == QLatin1String("UseFIR")) {
         CortexCore::Use_FIR = m_settings->getUseFIR();
         m_engine->recreateDataAndFilters(true);
@@ -70,4 +75,31 @@ QJsonObject OrvexModel::allCapabilities() const
     all.insert(QStringLiteral("settings"), m_settings->getAllCapabilitiesJson(false));
     all.insert(QStringLiteral("virtualDeviceSettings"), m_virtualDevices->getAllCapabilitiesJson(false));
     return all;
+}
+
+void OrvexModel::startMetering()
+{
+    m_engine->startSpectrumCalculation(m_settings->getSpectrumWindowSeconds(), m_settings->getSpectrumStepSeconds(),
+                                       m_settings->getSpectrumHanningPercent());
+    m_engine->setMeditationRange(m_settings->getMeditationMinFrequency(), m_settings->getMeditationMaxFrequency());
+    m_engine->setConcentrationRange(m_settings->getConcentrationMinFrequency(),
+                                    m_settings->getConcentrationMaxFrequency());
+    startIndex(CortexCore::Meditation, QStringLiteral("Meditation"));
+    startIndex(CortexCore::Concentration, QStringLiteral("Concentration"));
+}
+
+// The settings of one index mapped onto the metering arguments (see docs/metering.md).
+void OrvexModel::startIndex(int index, const QString& prefix)
+{
+    auto number = [this, &prefix](const char* key) {
+        return m_settings->property(qPrintable(prefix + QLatin1String(key))).toDouble();
+    };
+    const int history = int(qMax(number("LowThreshold4"), number("TopThreshold4")));
+    m_engine->startMetaIndexMetering(index, m_settings->property(qPrintable(prefix + QLatin1String("Channels"))).toString(),
+                                     float(number("LowThreshold1")), float(number("TopThreshold1")),
+                                     float(number("LowThreshold2")), float(number("LowThreshold3")),
+                                     float(number("TopThreshold2")), float(number("TopThreshold3")), history,
+                                     int(number("LowThresholdHistory")), int(number("TopThresholdHistory")),
+                                     int(number("Smoothing")),
+                                     m_settings->property(qPrintable(prefix + QLatin1String("LimitTo100"))).toBool());
 }

@@ -27,8 +27,13 @@ public:
     // {"settings": [...], "virtualDeviceSettings": [...]}: every capability object.
     QJsonObject allCapabilities() const;
 
+    // Starts the spectrum and both indices with the current settings; runs whenever a device
+    // starts or a metering setting changes while one runs.
+    void startMetering();
+
 private:
     void applyEngineSetting(const QString& name);
+    void startIndex(int index, const QString& prefix);
 
     OrvexSettings* m_settings;
     VirtualDevicesSettings* m_virtualDevices;

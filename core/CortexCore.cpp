@@ -381,6 +381,7 @@ void CortexCore::stopDevice()
         m_channelCount = 0;
         m_samplingRate = 0;
         m_histories.reset(0, 0, 0);
+        m_metering.stopSpectrum();
     }
     Q_EMIT deviceStopped();
 }
@@ -433,6 +434,8 @@ CortexDataResult CortexCore::addDataChannelWise(QList<QList<float>> block)
     for (int value : quality)
         result.channelValues.append(float(value));
     Q_EMIT newSignalQuality(quality);
+
+    m_metering.process(filtered, QDateTime::currentMSecsSinceEpoch(), result);
 
     Q_EMIT newCortexDataResult(result);
     return result;
@@ -517,6 +520,12 @@ void CortexCore::recreateDataAndFilters(bool recreateFilters)
         m_pipeline.configure(m_montage, m_samplingRate, engineFilterSettings(), recreateFilters);
         m_histories.reset(m_channelCount, int(m_montage.size()), historyLength());
         m_montageMismatchReported = false;
+        const QStringList names = getCurrentMontageChannelNames();
+        m_metering.updateChannelNames(names);
+        m_metering.setHistorySpanMs(qint64(m_storageTime * 1000));
+        if (m_metering.isSpectrumRunning())
+            m_metering.startSpectrum(names, m_samplingRate, m_metering.windowSeconds(), m_metering.stepSeconds(),
+                                     m_metering.hanningPercent());
     }
     Q_EMIT dataRecreated();
 }
@@ -605,6 +614,7 @@ void CortexCore::setStorageTimeSeconds(int seconds)
     QMutexLocker locker(&m_dataMutex);
     m_storageTime = float(qMax(0, seconds));
     m_histories.setMaxSamples(historyLength());
+    m_metering.setHistorySpanMs(qint64(m_storageTime * 1000));
 }
 
 int CortexCore::getStorageTimeSeconds() const { return int(m_storageTime); }
@@ -734,4 +744,135 @@ QList<int> CortexCore::channelIndexesFromNameString(QString names) const
             indexes.append(index);
     }
     return indexes;
+}
+
+// ---------------------------------------------------------------------------------------
+// Metering
+
+bool CortexCore::startSpectrumCalculation(float windowSeconds, float stepSeconds, float hanningPercent)
+{
+    QMutexLocker locker(&m_dataMutex);
+    m_metering.startSpectrum(getCurrentMontageChannelNames(), m_samplingRate, windowSeconds, stepSeconds,
+                             hanningPercent);
+    return true;
+}
+
+float CortexCore::getSpectrumWindowSeconds() const { return m_metering.windowSeconds(); }
+float CortexCore::getSpectrumWindowStepSeconds() const { return m_metering.stepSeconds(); }
+float CortexCore::getSpectrumHanningPercent() const { return m_metering.hanningPercent(); }
+float CortexCore::getSpectrumFrequencyStep() const { return m_metering.frequencyStep(); }
+
+QList<float> CortexCore::getCurrentSpectrumFrequencies() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.frequencies();
+}
+
+QList<QList<float>> CortexCore::getLastSpectrum() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.lastSpectrum();
+}
+
+QList<TimestampedData> CortexCore::getSpectrumData() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.spectrumHistory();
+}
+
+QList<TimestampedData> CortexCore::grabSpectrumData()
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.grabSpectrumHistory();
+}
+
+QList<StandartRhythmSample> CortexCore::getLastStandartRhythms() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.lastRhythms();
+}
+
+QList<QList<StandartRhythmSample>> CortexCore::grabLastStandartRhythms()
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.grabRhythms();
+}
+
+bool CortexCore::startMetaIndexMetering(int index, QList<int> channels, float p3, float p4, float p5, float p6,
+                                        float p7, float p8, int p9, int p10, int p11, int p12, bool p13)
+{
+    QMutexLocker locker(&m_dataMutex);
+    RhythmNormalizer normalizer;
+    normalizer.init(p3, p4, p5, p6, p10, p7, p8, p11, p9, p12, p13);
+    m_metering.startIndex(index, channels, normalizer);
+    return true;
+}
+
+bool CortexCore::startMetaIndexMetering(int index, QString channels, float p3, float p4, float p5, float p6,
+                                        float p7, float p8, int p9, int p10, int p11, int p12, bool p13)
+{
+    return startMetaIndexMetering(index, channelIndexesFromNameString(channels), p3, p4, p5, p6, p7, p8, p9, p10,
+                                  p11, p12, p13);
+}
+
+// Metering, once started, runs until it is started again with new parameters.
+void CortexCore::stopMetaIndexMetering(int) {}
+
+float CortexCore::getCurrentMetaIndexLevel(int index) const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.currentLevel(index);
+}
+
+RhythmNormSample CortexCore::getLastMetaIndexResult(int index) const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.lastIndexResult(index);
+}
+
+QList<RhythmNormSample> CortexCore::grabMetaIndexData(int index)
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.grabIndexData(index);
+}
+
+void CortexCore::setMeditationRange(float minimum, float maximum)
+{
+    QMutexLocker locker(&m_dataMutex);
+    m_metering.setRange(EngineMetering::Meditation, minimum, maximum);
+}
+
+void CortexCore::setConcentrationRange(float minimum, float maximum)
+{
+    QMutexLocker locker(&m_dataMutex);
+    m_metering.setRange(EngineMetering::Concentration, minimum, maximum);
+}
+
+double CortexCore::getMeditationMinimum() const { return m_metering.rangeMinimum(EngineMetering::Meditation); }
+double CortexCore::getMeditationMaximum() const { return m_metering.rangeMaximum(EngineMetering::Meditation); }
+double CortexCore::getConcentrationMinimum() const { return m_metering.rangeMinimum(EngineMetering::Concentration); }
+double CortexCore::getConcentrationMaximum() const { return m_metering.rangeMaximum(EngineMetering::Concentration); }
+
+void CortexCore::addCustomBCIAlgorithm(CustomBCIAlgorithm* algorithm)
+{
+    QMutexLocker locker(&m_dataMutex);
+    m_metering.addAlgorithm(algorithm, getCurrentMontageChannelNames());
+}
+
+bool CortexCore::removeCustomBCIAlgorithm(QString name)
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.removeAlgorithm(name);
+}
+
+void CortexCore::clearCustomBCIAlgorithms()
+{
+    QMutexLocker locker(&m_dataMutex);
+    m_metering.clearAlgorithms();
+}
+
+QList<CustomBCIAlgorithm*> CortexCore::getCustomAlgoritms() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_metering.algorithms();
 }

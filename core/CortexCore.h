@@ -5,6 +5,8 @@
 #include "core/CortexDataResult.h"
 #include "core/DeviceInfo.h"
 #include "core/EngineHistories.h"
+#include "core/EngineMetering.h"
+#include "core/TimestampedData.h"
 #include "dsp/MontageChannel.h"
 
 #include <QBluetoothDeviceInfo>
@@ -17,6 +19,7 @@
 #include <functional>
 
 class AbstractDeviceDiscovery;
+class CustomBCIAlgorithm;
 class GeneratorVirtualDevice;
 class VirtualDevicesSettings;
 
@@ -112,6 +115,39 @@ public:
     void setMontageChannelNames(QList<QString> names);
     QList<int> channelIndexesFromNameString(QString names) const;
 
+    // Metering: spectra, rhythms, meditation and concentration, custom algorithms
+    bool startSpectrumCalculation(float windowSeconds, float stepSeconds, float hanningPercent);
+    float getSpectrumWindowSeconds() const;
+    float getSpectrumWindowStepSeconds() const;
+    float getSpectrumHanningPercent() const;
+    float getSpectrumFrequencyStep() const;
+    QList<float> getCurrentSpectrumFrequencies() const;
+    QList<QList<float>> getLastSpectrum() const;
+    QList<TimestampedData> getSpectrumData() const;
+    QList<TimestampedData> grabSpectrumData();
+    QList<StandartRhythmSample> getLastStandartRhythms() const;
+    QList<QList<StandartRhythmSample>> grabLastStandartRhythms();
+
+    bool startMetaIndexMetering(int index, QList<int> channels, float p3, float p4, float p5, float p6, float p7,
+                                float p8, int p9, int p10, int p11, int p12, bool p13);
+    bool startMetaIndexMetering(int index, QString channels, float p3, float p4, float p5, float p6, float p7,
+                                float p8, int p9, int p10, int p11, int p12, bool p13);
+    void stopMetaIndexMetering(int index);
+    float getCurrentMetaIndexLevel(int index) const;
+    RhythmNormSample getLastMetaIndexResult(int index) const;
+    QList<RhythmNormSample> grabMetaIndexData(int index);
+    void setMeditationRange(float minimum, float maximum);
+    void setConcentrationRange(float minimum, float maximum);
+    double getMeditationMinimum() const;
+    double getMeditationMaximum() const;
+    double getConcentrationMinimum() const;
+    double getConcentrationMaximum() const;
+
+    void addCustomBCIAlgorithm(CustomBCIAlgorithm* algorithm);
+    bool removeCustomBCIAlgorithm(QString name);
+    void clearCustomBCIAlgorithms();
+    QList<CustomBCIAlgorithm*> getCustomAlgoritms() const;
+
 Q_SIGNALS:
     void deviceFound(DeviceInfo info);
     void deviceLost(DeviceInfo info);
@@ -133,6 +169,9 @@ Q_SIGNALS:
     void dataRecreated();
     void channelVisualScaleChanged(int channel, double scale);
     void recordDurationChanged(float seconds);
+    void stateRecordStarted(int index);
+    void stateRecordStopped(int index);
+    void stateRecognized(int index);
 
 protected:
     void reconnectToDevice(QString name);
@@ -182,6 +221,7 @@ private:
     QList<MontageChannel> m_montage;
     ChannelPipeline m_pipeline;
     EngineHistories m_histories;
+    EngineMetering m_metering;
     float m_samplingRate = 0;
     float m_storageTime = 10;
     float m_lpf = 40;

@@ -132,6 +132,16 @@ void OrvexSettings::setMeditationTopThreshold3(float value)
     assign(m_meditationTopThreshold3, value, &OrvexSettings::MeditationTopThreshold3Changed);
 }
 
+void OrvexSettings::setMeditationLowThreshold4(int value)
+{
+    assign(m_meditationLowThreshold4, value, &OrvexSettings::MeditationLowThreshold4Changed);
+}
+
+void OrvexSettings::setMeditationTopThreshold4(int value)
+{
+    assign(m_meditationTopThreshold4, value, &OrvexSettings::MeditationTopThreshold4Changed);
+}
+
 void OrvexSettings::setMeditationLowThresholdHistory(int value)
 {
     assign(m_meditationLowThresholdHistory, value, &OrvexSettings::MeditationLowThresholdHistoryChanged);
@@ -195,6 +205,16 @@ void OrvexSettings::setConcentrationTopThreshold2(float value)
 void OrvexSettings::setConcentrationTopThreshold3(float value)
 {
     assign(m_concentrationTopThreshold3, value, &OrvexSettings::ConcentrationTopThreshold3Changed);
+}
+
+void OrvexSettings::setConcentrationLowThreshold4(int value)
+{
+    assign(m_concentrationLowThreshold4, value, &OrvexSettings::ConcentrationLowThreshold4Changed);
+}
+
+void OrvexSettings::setConcentrationTopThreshold4(int value)
+{
+    assign(m_concentrationTopThreshold4, value, &OrvexSettings::ConcentrationTopThreshold4Changed);
 }
 
 void OrvexSettings::setConcentrationLowThresholdHistory(int value)

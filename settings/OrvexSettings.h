@@ -236,6 +236,26 @@ class OrvexSettings : public KxSettings
     Q_CLASSINFO("MeditationTopThreshold3DisplayName", "Top threshold 3")
     Q_CLASSINFO("MeditationTopThreshold3Description", "Highest allowed value of the adaptive top level")
 
+    Q_PROPERTY(int MeditationLowThreshold4 READ getMeditationLowThreshold4 WRITE setMeditationLowThreshold4 NOTIFY MeditationLowThreshold4Changed)
+    Q_CLASSINFO("MeditationLowThreshold4Category", "4.Meditation")
+    Q_CLASSINFO("MeditationLowThreshold4Default", "1000")
+    Q_CLASSINFO("MeditationLowThreshold4Minimum", "1")
+    Q_CLASSINFO("MeditationLowThreshold4Maximum", "100000")
+    Q_CLASSINFO("MeditationLowThreshold4Step", "1")
+    Q_CLASSINFO("MeditationLowThreshold4Editable", "true")
+    Q_CLASSINFO("MeditationLowThreshold4DisplayName", "Low threshold 4")
+    Q_CLASSINFO("MeditationLowThreshold4Description", "Values kept for the low level; the longer of the two meditation histories is kept")
+
+    Q_PROPERTY(int MeditationTopThreshold4 READ getMeditationTopThreshold4 WRITE setMeditationTopThreshold4 NOTIFY MeditationTopThreshold4Changed)
+    Q_CLASSINFO("MeditationTopThreshold4Category", "4.Meditation")
+    Q_CLASSINFO("MeditationTopThreshold4Default", "1000")
+    Q_CLASSINFO("MeditationTopThreshold4Minimum", "1")
+    Q_CLASSINFO("MeditationTopThreshold4Maximum", "100000")
+    Q_CLASSINFO("MeditationTopThreshold4Step", "1")
+    Q_CLASSINFO("MeditationTopThreshold4Editable", "true")
+    Q_CLASSINFO("MeditationTopThreshold4DisplayName", "Top threshold 4")
+    Q_CLASSINFO("MeditationTopThreshold4Description", "Values kept for the top level; the longer of the two meditation histories is kept")
+
     Q_PROPERTY(int MeditationLowThresholdHistory READ getMeditationLowThresholdHistory WRITE setMeditationLowThresholdHistory NOTIFY MeditationLowThresholdHistoryChanged)
     Q_CLASSINFO("MeditationLowThresholdHistoryCategory", "4.Meditation")
     Q_CLASSINFO("MeditationLowThresholdHistoryDefault", "1000")
@@ -376,6 +396,26 @@ class OrvexSettings : public KxSettings
     Q_CLASSINFO("ConcentrationTopThreshold3DisplayName", "Top threshold 3")
     Q_CLASSINFO("ConcentrationTopThreshold3Description", "Highest allowed value of the adaptive top level")
 
+    Q_PROPERTY(int ConcentrationLowThreshold4 READ getConcentrationLowThreshold4 WRITE setConcentrationLowThreshold4 NOTIFY ConcentrationLowThreshold4Changed)
+    Q_CLASSINFO("ConcentrationLowThreshold4Category", "5.Concentration")
+    Q_CLASSINFO("ConcentrationLowThreshold4Default", "1000")
+    Q_CLASSINFO("ConcentrationLowThreshold4Minimum", "1")
+    Q_CLASSINFO("ConcentrationLowThreshold4Maximum", "100000")
+    Q_CLASSINFO("ConcentrationLowThreshold4Step", "1")
+    Q_CLASSINFO("ConcentrationLowThreshold4Editable", "true")
+    Q_CLASSINFO("ConcentrationLowThreshold4DisplayName", "Low threshold 4")
+    Q_CLASSINFO("ConcentrationLowThreshold4Description", "Values kept for the low level; the longer of the two concentration histories is kept")
+
+    Q_PROPERTY(int ConcentrationTopThreshold4 READ getConcentrationTopThreshold4 WRITE setConcentrationTopThreshold4 NOTIFY ConcentrationTopThreshold4Changed)
+    Q_CLASSINFO("ConcentrationTopThreshold4Category", "5.Concentration")
+    Q_CLASSINFO("ConcentrationTopThreshold4Default", "1000")
+    Q_CLASSINFO("ConcentrationTopThreshold4Minimum", "1")
+    Q_CLASSINFO("ConcentrationTopThreshold4Maximum", "100000")
+    Q_CLASSINFO("ConcentrationTopThreshold4Step", "1")
+    Q_CLASSINFO("ConcentrationTopThreshold4Editable", "true")
+    Q_CLASSINFO("ConcentrationTopThreshold4DisplayName", "Top threshold 4")
+    Q_CLASSINFO("ConcentrationTopThreshold4Description", "Values kept for the top level; the longer of the two concentration histories is kept")
+
     Q_PROPERTY(int ConcentrationLowThresholdHistory READ getConcentrationLowThresholdHistory WRITE setConcentrationLowThresholdHistory NOTIFY ConcentrationLowThresholdHistoryChanged)
     Q_CLASSINFO("ConcentrationLowThresholdHistoryCategory", "5.Concentration")
     Q_CLASSINFO("ConcentrationLowThresholdHistoryDefault", "1000")
@@ -427,7 +467,7 @@ class OrvexSettings : public KxSettings
 
     Q_PROPERTY(float SpectrumStepSeconds READ getSpectrumStepSeconds WRITE setSpectrumStepSeconds NOTIFY SpectrumStepSecondsChanged)
     Q_CLASSINFO("SpectrumStepSecondsCategory", "6.Spectrum")
-    Q_CLASSINFO("SpectrumStepSecondsDefault", "0.5f")
+    Q_CLASSINFO("SpectrumStepSecondsDefault", "0.1f")
     Q_CLASSINFO("SpectrumStepSecondsMinimum", "0.01")
     Q_CLASSINFO("SpectrumStepSecondsMaximum", "10.0")
     Q_CLASSINFO("SpectrumStepSecondsStep", "0.01")
@@ -497,6 +537,8 @@ public:
     float getMeditationTopThreshold1() const { return m_meditationTopThreshold1; }
     float getMeditationTopThreshold2() const { return m_meditationTopThreshold2; }
     float getMeditationTopThreshold3() const { return m_meditationTopThreshold3; }
+    int getMeditationLowThreshold4() const { return m_meditationLowThreshold4; }
+    int getMeditationTopThreshold4() const { return m_meditationTopThreshold4; }
     int getMeditationLowThresholdHistory() const { return m_meditationLowThresholdHistory; }
     int getMeditationTopThresholdHistory() const { return m_meditationTopThresholdHistory; }
     int getMeditationSmoothing() const { return m_meditationSmoothing; }
@@ -510,6 +552,8 @@ public:
     float getConcentrationTopThreshold1() const { return m_concentrationTopThreshold1; }
     float getConcentrationTopThreshold2() const { return m_concentrationTopThreshold2; }
     float getConcentrationTopThreshold3() const { return m_concentrationTopThreshold3; }
+    int getConcentrationLowThreshold4() const { return m_concentrationLowThreshold4; }
+    int getConcentrationTopThreshold4() const { return m_concentrationTopThreshold4; }
     int getConcentrationLowThresholdHistory() const { return m_concentrationLowThresholdHistory; }
     int getConcentrationTopThresholdHistory() const { return m_concentrationTopThresholdHistory; }
     int getConcentrationSmoothing() const { return m_concentrationSmoothing; }
@@ -542,6 +586,8 @@ public:
     void setMeditationTopThreshold1(float value);
     void setMeditationTopThreshold2(float value);
     void setMeditationTopThreshold3(float value);
+    void setMeditationLowThreshold4(int value);
+    void setMeditationTopThreshold4(int value);
     void setMeditationLowThresholdHistory(int value);
     void setMeditationTopThresholdHistory(int value);
     void setMeditationSmoothing(int value);
@@ -555,6 +601,8 @@ public:
     void setConcentrationTopThreshold1(float value);
     void setConcentrationTopThreshold2(float value);
     void setConcentrationTopThreshold3(float value);
+    void setConcentrationLowThreshold4(int value);
+    void setConcentrationTopThreshold4(int value);
     void setConcentrationLowThresholdHistory(int value);
     void setConcentrationTopThresholdHistory(int value);
     void setConcentrationSmoothing(int value);
@@ -588,6 +636,8 @@ Q_SIGNALS:
     void MeditationTopThreshold1Changed();
     void MeditationTopThreshold2Changed();
     void MeditationTopThreshold3Changed();
+    void MeditationLowThreshold4Changed();
+    void MeditationTopThreshold4Changed();
     void MeditationLowThresholdHistoryChanged();
     void MeditationTopThresholdHistoryChanged();
     void MeditationSmoothingChanged();
@@ -601,6 +651,8 @@ Q_SIGNALS:
     void ConcentrationTopThreshold1Changed();
     void ConcentrationTopThreshold2Changed();
     void ConcentrationTopThreshold3Changed();
+    void ConcentrationLowThreshold4Changed();
+    void ConcentrationTopThreshold4Changed();
     void ConcentrationLowThresholdHistoryChanged();
     void ConcentrationTopThresholdHistoryChanged();
     void ConcentrationSmoothingChanged();
@@ -635,6 +687,8 @@ private:
     float m_meditationTopThreshold1 = 0.0f;
     float m_meditationTopThreshold2 = 0.0f;
     float m_meditationTopThreshold3 = 0.0f;
+    int m_meditationLowThreshold4 = 1000;
+    int m_meditationTopThreshold4 = 1000;
     int m_meditationLowThresholdHistory = 0;
     int m_meditationTopThresholdHistory = 0;
     int m_meditationSmoothing = 0;
@@ -648,6 +702,8 @@ private:
     float m_concentrationTopThreshold1 = 0.0f;
     float m_concentrationTopThreshold2 = 0.0f;
     float m_concentrationTopThreshold3 = 0.0f;
+    int m_concentrationLowThreshold4 = 1000;
+    int m_concentrationTopThreshold4 = 1000;
     int m_concentrationLowThresholdHistory = 0;
     int m_concentrationTopThresholdHistory = 0;
     int m_concentrationSmoothing = 0;

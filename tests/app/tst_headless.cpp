@@ -103,6 +103,26 @@ private Q_SLOTS:
         QVERIFY2(std::abs(crossings - 40) <= 1, qPrintable(QString::number(crossings))); // 10 Hz for 2 s
     }
 
+    void metricsPerSpectrumStep()
+    {
+        const QString csv = m_home.filePath(QStringLiteral("metrics.csv"));
+        const Run result = run({ "--headless", "--set", "SignalType=Sine", "--set", "SpectrumWindowSeconds=1",
+                                 "--duration", "3", "--csv-metrics", csv });
+        QCOMPARE(result.exitCode, 0);
+        QStringList header;
+        const QList<QList<double>> rows = readCsv(csv, header);
+        QCOMPARE(header.size(), 1 + 6 * 5 + 2 + 1);
+        QCOMPARE(header.mid(0, 3), QStringList({ "t", "O1_alpha", "O1_beta" }));
+        QCOMPARE(header.mid(31, 2), QStringList({ "meditation", "concentration" }));
+        // One row per 0.1 s step once the first 1 s window is full.
+        QVERIFY2(rows.size() >= 18 && rows.size() <= 21, qPrintable(QString::number(rows.size())));
+        for (const QList<double>& row : rows) {
+            QCOMPARE(row.size(), 33);
+            QVERIFY(row[1] > 50); // a 10 Hz sine is mostly alpha
+            QVERIFY(row[31] >= 0 && row[31] <= 100);
+        }
+    }
+
     void csvGrowsWhileStreamingAndStopsCleanly()
     {
         const QString csv = m_home.filePath(QStringLiteral("live.csv"));
