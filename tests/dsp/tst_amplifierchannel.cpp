@@ -3,212 +3,143 @@
 #include <QJsonDocument>
 #include <QtTest>
 
+static const QString FullText = QStringLiteral("index=3;name=Fp1;type=ECG;g1=0;g2=0;scale=1;LPF=30;HPF=0.5;BSO=50;");
+
 class TestAmplifierChannel : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void groupRangeIsFilledOnce();
-    void fullTextRoundTrip();
-    void sevenPartTextIgnoresKeys();
-    void shortTextChangesNothing();
-    void parserStoresWithoutExtendingChoices();
-    void setterExtendsAndSortsChoices();
-    void typeTextIsCaseSensitive();
-    void columnsAndTextFormDiffer();
-    void filterViewStaysEmpty();
-    void jsonRoundTripAndMissingKeys();
-    void copiesAreIndependent();
+    void groupRangeIsFilledOnce()
+    {
+        AmplifierChannel first;
+        QCOMPARE(AmplifierChannel::st_GroupRange.size(), 137);
+        QCOMPARE(AmplifierChannel::st_GroupRange.last(), QStringLiteral("136"));
+        AmplifierChannel::st_GroupRange[5] = QStringLiteral("five");
+        AmplifierChannel second(2, 1.0f, ChannelType_EMG);
+        QCOMPARE(AmplifierChannel::st_GroupRange.size(), 137);
+        QCOMPARE(AmplifierChannel::st_GroupRange.at(5), QStringLiteral("five"));
+        AmplifierChannel::st_GroupRange[5] = QStringLiteral("5");
+    }
+
+    // Each text is parsed into a channel that first held FullText; the result is shown in the
+    // text form, which the first row proves to be exact.
+    void parseText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        QTest::addRow("full text round trip") << FullText << FullText;
+        QTest::addRow("numbers in g format, 6 digits")
+            << "index=7;name=T°;type=Temp;g1=0;g2=0;scale=0.25;LPF=0.1234567;HPF=0;BSO=0;"
+            << "index=7;name=T°;type=Temp;g1=0;g2=0;scale=0.25;LPF=0.123457;HPF=0;BSO=0;";
+        QTest::addRow("seven parts, keys ignored")
+            << "a=3;b=Fp1;c=ECG;d=1;e=2;f=2;g=40" << "index=3;name=Fp1;type=ECG;g1=1;g2=2;scale=2;LPF=40;HPF=0.5;BSO=50;";
+        QTest::addRow("position decides, bad numbers read 0")
+            << "scale=9;index=x;type=Nope;g1=1;g2=1;name=oops;LPF=1;HPF=2;BSO=3;extra=4"
+            << "index=9;name=x;type=EEG;g1=1;g2=1;scale=0;LPF=1;HPF=2;BSO=3;";
+        QTest::addRow("six parts change nothing") << "index=9;name=X;type=EMG;g1=4;g2=5;scale=7" << FullText;
+        QTest::addRow("empty changes nothing") << "" << FullText;
+        QTest::addRow("parts without = skipped")
+            << "index=4;name;type=EMG;;;;" << "index=4;name=Fp1;type=EMG;g1=0;g2=0;scale=1;LPF=30;HPF=0.5;BSO=50;";
+    }
+
+    void parseText()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        AmplifierChannel channel(FullText);
+        channel.parseStringData(text);
+        QCOMPARE(QString::fromUtf8(channel.makeTextView()), expected);
+    }
+
+    void parserStoresWithoutExtendingChoices()
+    {
+        AmplifierChannel channel(QStringLiteral("index=0;name=A;type=EEG;g1=0;g2=0;scale=1;LPF=33;HPF=0.7;BSO=55;"));
+        QCOMPARE(channel.getLPF(), 33.0f);
+        QCOMPARE(channel.getLPFValues().size(), 7);
+        QCOMPARE(channel.getCurrentIndexLPF(), 0);
+        QCOMPARE(channel.getBSFValues(), QStringList({"0", "50", "60"}));
+    }
+
+    void setterExtendsAndSortsChoices()
+    {
+        AmplifierChannel channel;
+        channel.setHPF(3.0f);
+        QCOMPARE(channel.getHPFValues(), QStringList({"0", "0.5", "1", "2", "3", "5", "10", "20", "50"}));
+        QCOMPARE(channel.getCurrentIndexHPF(), 4);
+        channel.setHPF(3.0f);
+        QCOMPARE(channel.getHPFValues().size(), 9);
+        channel.setLPF(100.0f);
+        QCOMPARE(channel.getCurrentIndexLPF(), 7);
+        channel.setBSF(50.0f);
+        QCOMPARE(channel.getBSFValues().size(), 3);
+        QCOMPARE(channel.getCurrentIndexBSF(), 1);
+        // The filter view is built but never cached, so it stays empty; screens rely on this.
+        QCOMPARE(channel.getTextFilterView(), QString());
+
+        AmplifierChannel::Filters filters;
+        filters.hpfChoices.clear();
+        filters.hpf = 1.0f;
+        channel.setFilterData(filters);
+        QCOMPARE(channel.getCurrentIndexHPF(), 0);
+        QVERIFY(channel.getHPFValues().isEmpty());
+    }
+
+    void typeTextIsCaseSensitive()
+    {
+        AmplifierChannel channel;
+        QList<int> types; // an unknown text sets EEG, it does not keep the previous type
+        for (const char* text : {"Temp", "eeg", "Resp", "RESP", "Temp "}) {
+            channel.setChannelType(ChannelType_GSR);
+            channel.setTextChannelType(QString::fromUtf8(text));
+            types << channel.getChannelType();
+        }
+        QCOMPARE(types, QList<int>({7, 0, 4, 0, 0}));
+        channel.setChannelType(static_cast<ChannelType>(8));
+        QCOMPARE(channel.getTextType(), QString());
+    }
+
+    // Column 6 is the high-pass value while the text form's sixth key carries the low-pass.
+    void columnsAndTextFormDiffer()
+    {
+        const AmplifierChannel channel(QStringLiteral("index=5;name=Cz;type=GSR;g1=12;g2=136;scale=1.5;LPF=40;HPF=0.5;BSO=60;"));
+        QStringList columns;
+        for (int column = -1; column <= 9; ++column)
+            columns << channel.getTextValue(column);
+        QCOMPARE(columns, QStringList({"", "5", "GSR", "Cz", "12", "136", "1.5", "0.5", "40", "60", ""}));
+    }
+
+    void jsonRoundTripAndMissingKeys()
+    {
+        AmplifierChannel channel(QStringLiteral("index=4;name=O1;type=PPG;g1=3;g2=4;scale=2.5;LPF=35;HPF=0.25;BSO=50;"));
+        const QJsonObject json = channel.toJson();
+        QCOMPARE(QJsonDocument(json).toJson(QJsonDocument::Compact),
+                 QByteArray(R"({"G1":3,"G2":4,"filters":{"BSF":50,"HPF":0.25,"LPF":35},)"
+                            R"("index":4,"name":"O1","scale":2.5,"type":6})"));
+        AmplifierChannel back(json);
+        QCOMPARE(back.makeTextView(), channel.makeTextView());
+        QCOMPARE(back.getLPFValues().size(), 7); // reading does not extend the menus
+
+        AmplifierChannel empty(QJsonObject{{"name", "X"}});
+        QCOMPARE(QString::fromUtf8(empty.makeTextView()),
+                 QStringLiteral("index=0;name=X;type=EEG;g1=0;g2=0;scale=0;LPF=0;HPF=0;BSO=0;"));
+    }
+
+    void copiesAreIndependent()
+    {
+        AmplifierChannel channel(1, 1.0f, ChannelType_ECG);
+        channel.setHPF(7.0f);
+        AmplifierChannel copy(&channel);
+        AmplifierChannel assigned;
+        assigned = channel;
+        channel.setHPF(8.0f);
+        QCOMPARE(copy.getHPF(), 7.0f);
+        QCOMPARE(copy.getHPFValues().size(), 9);
+        QCOMPARE(assigned.getCurrentIndexHPF(), 5);
+        const AmplifierChannel* none = nullptr;
+        QCOMPARE(AmplifierChannel(none).getScale(), 1.0f);
+    }
 };
-
-void TestAmplifierChannel::groupRangeIsFilledOnce()
-{
-    AmplifierChannel first;
-    QCOMPARE(AmplifierChannel::st_GroupRange.size(), 137);
-    QCOMPARE(AmplifierChannel::st_GroupRange.first(), QStringLiteral("0"));
-    QCOMPARE(AmplifierChannel::st_GroupRange.last(), QStringLiteral("136"));
-    AmplifierChannel::st_GroupRange[5] = QStringLiteral("five");
-    AmplifierChannel second(2, 1.0f, ChannelType_EMG);
-    QCOMPARE(AmplifierChannel::st_GroupRange.size(), 137);
-    QCOMPARE(AmplifierChannel::st_GroupRange.at(5), QStringLiteral("five"));
-    AmplifierChannel::st_GroupRange[5] = QStringLiteral("5");
-    QCOMPARE(AmplifierChannel::st_HPFRange.at(1), QStringLiteral("0.5"));
-    QCOMPARE(AmplifierChannel::st_TypeRange.size(), 8);
-}
-
-void TestAmplifierChannel::fullTextRoundTrip()
-{
-    const QString text = QStringLiteral("index=3;name=Fp1;type=EEG;g1=0;g2=0;scale=1;LPF=30;HPF=0.5;BSO=50;");
-    AmplifierChannel channel(text);
-    QCOMPARE(QString::fromUtf8(channel.makeTextView()), text);
-
-    AmplifierChannel other(7, 0.25f, ChannelType_Temp);
-    other.setChannelName(QStringLiteral("T°"));
-    other.setLPF(0.1234567f);
-    const QByteArray written = other.makeTextView();
-    QCOMPARE(QString::fromUtf8(written),
-             QStringLiteral("index=7;name=T°;type=Temp;g1=0;g2=0;scale=0.25;LPF=0.123457;HPF=0;BSO=0;"));
-    QCOMPARE(AmplifierChannel(QString::fromUtf8(written)).makeTextView(), written);
-}
-
-void TestAmplifierChannel::sevenPartTextIgnoresKeys()
-{
-    AmplifierChannel channel(QStringLiteral("a=3;b=Fp1;c=ECG;d=1;e=2;f=2;g=40"));
-    QCOMPARE(channel.getIndex(), 3);
-    QCOMPARE(channel.getName(), QStringLiteral("Fp1"));
-    QCOMPARE(channel.getChannelType(), ChannelType_ECG);
-    QCOMPARE(channel.getGroup1(), 1u);
-    QCOMPARE(channel.getGroup2(), 2u);
-    QCOMPARE(channel.getScale(), 2.0f);
-    QCOMPARE(channel.getLPF(), 40.0f);
-    QCOMPARE(channel.getHPF(), 0.0f);
-
-    // Keys written in another order still land by position; malformed numbers read as 0.
-    channel.parseStringData(QStringLiteral("scale=9;index=x;type=Nope;g1=1;g2=1;name=oops;LPF=1;HPF=2;BSO=3;extra=4"));
-    QCOMPARE(channel.getIndex(), 9);
-    QCOMPARE(channel.getName(), QStringLiteral("x"));
-    QCOMPARE(channel.getChannelType(), ChannelType_EEG);
-    QCOMPARE(channel.getScale(), 0.0f);
-    QCOMPARE(channel.getBSF(), 3.0f);
-}
-
-void TestAmplifierChannel::shortTextChangesNothing()
-{
-    AmplifierChannel channel(QStringLiteral("index=3;name=Fp1;type=ECG;g1=0;g2=0;scale=1;LPF=30;HPF=0.5;BSO=50;"));
-    const QByteArray before = channel.makeTextView();
-    channel.parseStringData(QStringLiteral("index=9;name=X;type=EMG;g1=4;g2=5;scale=7"));
-    QCOMPARE(channel.makeTextView(), before);
-    channel.parseStringData(QString());
-    QCOMPARE(channel.makeTextView(), before);
-    // Parts without "=" are skipped, the others keep their positions.
-    channel.parseStringData(QStringLiteral("index=4;name;type=EMG;;;;"));
-    QCOMPARE(channel.getIndex(), 4);
-    QCOMPARE(channel.getName(), QStringLiteral("Fp1"));
-    QCOMPARE(channel.getChannelType(), ChannelType_EMG);
-}
-
-void TestAmplifierChannel::parserStoresWithoutExtendingChoices()
-{
-    AmplifierChannel channel(QStringLiteral("index=0;name=A;type=EEG;g1=0;g2=0;scale=1;LPF=33;HPF=0.7;BSO=55;"));
-    QCOMPARE(channel.getLPF(), 33.0f);
-    QCOMPARE(channel.getLPFValues().size(), 7);
-    QCOMPARE(channel.getCurrentIndexLPF(), 0);
-    QCOMPARE(channel.getCurrentIndexHPF(), 0);
-    QCOMPARE(channel.getBSFValues(), QStringList({"0", "50", "60"}));
-}
-
-void TestAmplifierChannel::setterExtendsAndSortsChoices()
-{
-    AmplifierChannel channel;
-    QCOMPARE(channel.getHPFValues(), QStringList({"0", "0.5", "1", "2", "5", "10", "20", "50"}));
-    channel.setHPF(3.0f);
-    QCOMPARE(channel.getHPFValues(), QStringList({"0", "0.5", "1", "2", "3", "5", "10", "20", "50"}));
-    QCOMPARE(channel.getCurrentIndexHPF(), 4);
-    channel.setHPF(3.0f);
-    QCOMPARE(channel.getHPFValues().size(), 9);
-    channel.setLPF(100.0f);
-    QCOMPARE(channel.getCurrentIndexLPF(), 7);
-    channel.setBSF(50.0f);
-    QCOMPARE(channel.getBSFValues().size(), 3);
-    QCOMPARE(channel.getCurrentIndexBSF(), 1);
-
-    AmplifierChannel::Filters filters;
-    filters.hpfChoices.clear();
-    filters.hpf = 1.0f;
-    channel.setFilterData(filters);
-    QCOMPARE(channel.getCurrentIndexHPF(), 0);
-    QVERIFY(channel.getHPFValues().isEmpty());
-}
-
-void TestAmplifierChannel::typeTextIsCaseSensitive()
-{
-    AmplifierChannel channel;
-    channel.setTextChannelType(QStringLiteral("Temp"));
-    QCOMPARE(channel.getChannelType(), ChannelType_Temp);
-    channel.setTextChannelType(QStringLiteral("eeg"));
-    QCOMPARE(channel.getChannelType(), ChannelType_EEG);
-    channel.setTextChannelType(QStringLiteral("Resp"));
-    channel.setTextChannelType(QStringLiteral("RESP"));
-    QCOMPARE(channel.getChannelType(), ChannelType_EEG);
-    channel.setChannelType(static_cast<ChannelType>(8));
-    QCOMPARE(channel.getTextType(), QString());
-    QCOMPARE(channel.getTextValue(1), QString());
-}
-
-void TestAmplifierChannel::columnsAndTextFormDiffer()
-{
-    AmplifierChannel channel(5, 1.5f, ChannelType_GSR);
-    channel.setChannelName(QStringLiteral("Cz"));
-    channel.setGroup1(12);
-    channel.setGroup2(136);
-    channel.setLPF(40.0f);
-    channel.setHPF(0.5f);
-    channel.setBSF(60.0f);
-    const QStringList expected = {"5", "GSR", "Cz", "12", "136", "1.5", "0.5", "40", "60"};
-    for (int column = 0; column < expected.size(); ++column)
-        QCOMPARE(channel.getTextValue(column), expected.at(column));
-    QCOMPARE(channel.getTextValue(9), QString());
-    QCOMPARE(channel.getTextValue(-1), QString());
-    QVERIFY(channel.makeTextView().contains("LPF=40;HPF=0.5;"));
-    unsigned g1 = 0, g2 = 0;
-    channel.getGroupValue(g1, g2);
-    QCOMPARE(g1, 12u);
-    QCOMPARE(g2, 136u);
-}
-
-void TestAmplifierChannel::filterViewStaysEmpty()
-{
-    AmplifierChannel channel;
-    channel.setLPF(30.0f);
-    channel.setHPF(1.0f);
-    QCOMPARE(channel.getTextFilterView(), QString());
-}
-
-void TestAmplifierChannel::jsonRoundTripAndMissingKeys()
-{
-    AmplifierChannel channel(4, 2.5f, ChannelType_PPG);
-    channel.setChannelName(QStringLiteral("O1"));
-    channel.setGroup1(3);
-    channel.setGroup2(4);
-    channel.setLPF(35.0f);
-    channel.setHPF(0.25f);
-    channel.setBSF(50.0f);
-    const QJsonObject json = channel.toJson();
-    QCOMPARE(json.value("type").toInt(), 6);
-    QCOMPARE(json.value("filters").toObject().value("HPF").toDouble(), 0.25);
-
-    // Through text, as a settings file stores it.
-    const QJsonObject parsed = QJsonDocument::fromJson(QJsonDocument(json).toJson()).object();
-    AmplifierChannel back(parsed);
-    QCOMPARE(back.makeTextView(), channel.makeTextView());
-    QCOMPARE(back.toJson(), json);
-    // Reading does not extend the menus.
-    QCOMPARE(back.getLPFValues().size(), 7);
-
-    AmplifierChannel empty(QJsonObject{{"name", "X"}});
-    QCOMPARE(empty.getName(), QStringLiteral("X"));
-    QCOMPARE(empty.getIndex(), 0);
-    QCOMPARE(empty.getScale(), 0.0f);
-    QCOMPARE(empty.getLPF(), 0.0f);
-    QCOMPARE(empty.getGroup2(), 0u);
-    QCOMPARE(empty.getChannelType(), ChannelType_EEG);
-}
-
-void TestAmplifierChannel::copiesAreIndependent()
-{
-    AmplifierChannel channel(1, 1.0f, ChannelType_ECG);
-    channel.setHPF(7.0f);
-    AmplifierChannel copy(&channel);
-    AmplifierChannel assigned;
-    assigned = channel;
-    channel.setHPF(8.0f);
-    QCOMPARE(copy.getHPF(), 7.0f);
-    QCOMPARE(copy.getHPFValues().size(), 9);
-    QCOMPARE(assigned.getCurrentIndexHPF(), 5);
-    QVERIFY(copy == QStringLiteral(""));
-    const AmplifierChannel* none = nullptr;
-    QCOMPARE(AmplifierChannel(none).getScale(), 1.0f);
-}
 
 QTEST_GUILESS_MAIN(TestAmplifierChannel)
 #include "tst_amplifierchannel.moc"
