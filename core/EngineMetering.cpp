@@ -167,26 +167,37 @@ void EngineMetering::updateChannelNames(const QStringList& channelNames)
 
 void EngineMetering::process(const QList<QList<float>>& filtered, qint64 now, CortexDataResult& result)
 {
-    QList<QList<float>> block = filtered;
-    const bool newSpectrum = feedSpectra(filtered, now);
+    // An analyzer yields at most one spectrum per call, so blocks longer than a step are fed
+    // step by step: no step is skipped and its buffer never grows.
+    const int samples = filtered.isEmpty() ? 0 : int(filtered.first().size());
+    const int chunk = m_analyzers.empty() ? samples : std::max(1, m_analyzers.front()->getStepSamples());
+    bool newSpectrum = false;
+    for (int offset = 0; offset < samples; offset += chunk) {
+        if (!feedSpectra(filtered, offset, std::min(chunk, samples - offset), now))
+            continue;
+        newSpectrum = true;
+        meterIndices(now, result);
+    }
     if (newSpectrum) {
         result.hasSpectrum = true;
         result.spectrum = m_lastSpectrum;
-        meterIndices(now, result);
+        cropHistories(now);
     }
     result.meditation = m_lastIndex[Meditation];
     result.concentration = m_lastIndex[Concentration];
+    QList<QList<float>> block = filtered;
     runAlgorithms(block, newSpectrum, result);
-    if (newSpectrum)
-        cropHistories(now);
 }
 
-bool EngineMetering::feedSpectra(const QList<QList<float>>& filtered, qint64 now)
+bool EngineMetering::feedSpectra(const QList<QList<float>>& filtered, int offset, int count, qint64 now)
 {
     const qsizetype channels = std::min(qsizetype(m_analyzers.size()), filtered.size());
     bool produced = false;
     for (qsizetype c = 0; c < channels; ++c) {
-        const QList<float> spectrum = m_analyzers[size_t(c)]->addDataSample(filtered[c]);
+        const QList<float>& samples = filtered[c];
+        if (offset + count > samples.size())
+            continue;
+        const QList<float> spectrum = m_analyzers[size_t(c)]->addDataSample(samples.constData() + offset, count);
         if (spectrum.isEmpty())
             continue;
         if (!produced) {

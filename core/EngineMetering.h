@@ -67,7 +67,7 @@ public:
     void setHistorySpanMs(qint64 spanMs) { m_historySpanMs = spanMs; }
 
 private:
-    bool feedSpectra(const QList<QList<float>>& filtered, qint64 now);
+    bool feedSpectra(const QList<QList<float>>& filtered, int offset, int count, qint64 now);
     void meterIndices(qint64 now, CortexDataResult& result);
     void runAlgorithms(QList<QList<float>>& filtered, bool newSpectrum, CortexDataResult& result);
     void cropHistories(qint64 now);
