@@ -1,5 +1,5 @@
 // Spectrum analyzer cost: our radix-2 transform on 1024 points (items_per_second = transforms
-// per second; bench/run_spectrum.sh sets it beside numpy.fft.fft) and one whole spectrum of
+// per second; bench/run sets it beside numpy.fft.fft) and one whole spectrum of
 // the engine's usual window (250 Hz, 4 s: 1000 samples padded to 1024, 10 % taper, five
 // rhythms; items_per_second = spectra per second).
 #include "dsp/SpectrumAnalyzer.h"
