@@ -14,7 +14,7 @@ public:
     static bool isAllowedName(const QString& name);
 
     // The text between the first "(" and the last ")", when the name has a prefix before the
-    // "(" and more than two characters inside; empty otherwise.
+    // "(" and at least two characters inside; empty otherwise.
     static QString serialNumberFromName(const QString& name);
 
     // Sampling rate of the one channel mode a channel count implies; 0 when it has none.
