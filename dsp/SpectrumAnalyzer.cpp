@@ -80,30 +80,35 @@ __attribute__((target_clones("avx2", "default"))) void butterflies(float* __rest
 // imaginary arrays. The complex product is written out as plain multiply-adds.
 void runStages(const FftPlan& plan, int n, float* re, float* im)
 {
-    // The first two stages have one and two butterflies per group: they run fused, four
-    // points at a time held in registers (the same arithmetic as the general loop).
+    // The first two stages have one and two butterflies per group: run them group after group
+    // with their twiddles held in registers (same arithmetic as the general loop).
     int half = 1;
     if (n >= 4) {
         const float w0r = plan.stageRe[0], w0i = plan.stageIm[0];
+        for (int start = 0; start < n; start += 2) {
+            const float tr = w0r * re[start + 1] - w0i * im[start + 1];
+            const float ti = w0r * im[start + 1] + w0i * re[start + 1];
+            const float xr = re[start], xi = im[start];
+            re[start + 1] = xr - tr;
+            im[start + 1] = xi - ti;
+            re[start] = xr + tr;
+            im[start] = xi + ti;
+        }
         const float v0r = plan.stageRe[1], v0i = plan.stageIm[1];
         const float v1r = plan.stageRe[2], v1i = plan.stageIm[2];
-        auto butterfly = [](float wr, float wi, float& xr, float& xi, float& yr, float& yi) {
-            const float tr = wr * yr - wi * yi;
-            const float ti = wr * yi + wi * yr;
-            yr = xr - tr;
-            yi = xi - ti;
-            xr = xr + tr;
-            xi = xi + ti;
-        };
         for (int start = 0; start < n; start += 4) {
-            float r0 = re[start], r1 = re[start + 1], r2 = re[start + 2], r3 = re[start + 3];
-            float i0 = im[start], i1 = im[start + 1], i2 = im[start + 2], i3 = im[start + 3];
-            butterfly(w0r, w0i, r0, i0, r1, i1);
-            butterfly(w0r, w0i, r2, i2, r3, i3);
-            butterfly(v0r, v0i, r0, i0, r2, i2);
-            butterfly(v1r, v1i, r1, i1, r3, i3);
-            re[start] = r0, re[start + 1] = r1, re[start + 2] = r2, re[start + 3] = r3;
-            im[start] = i0, im[start + 1] = i1, im[start + 2] = i2, im[start + 3] = i3;
+            for (int j = 0; j < 2; ++j) {
+                const float wr = j == 0 ? v0r : v1r;
+                const float wi = j == 0 ? v0i : v1i;
+                const int a = start + j, b = a + 2;
+                const float tr = wr * re[b] - wi * im[b];
+                const float ti = wr * im[b] + wi * re[b];
+                const float xr = re[a], xi = im[a];
+                re[b] = xr - tr;
+                im[b] = xi - ti;
+                re[a] = xr + tr;
+                im[a] = xi + ti;
+            }
         }
         half = 4;
     }
