@@ -42,16 +42,8 @@ class TestMetering : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_engine = new CortexCore(this);
-        auto* discovery = new FakeDiscovery(m_engine);
-        discovery->visible = { QStringLiteral("OX8G (0031)") };
-        m_engine->setDeviceDiscovery(discovery);
-        m_engine->setHeadsetFactory([](const QBluetoothDeviceInfo& info, QObject* parent) {
-            return new TestHeadset(info.name(), 8, parent);
-        });
-        QSignalSpy found(m_engine, &CortexCore::deviceFound);
-        m_engine->startDeviceSearch();
-        QTRY_COMPARE(found.count(), 1);
+        m_engine = engineFindingHeadset(this);
+        QCOMPARE(m_engine->getDeviceCount(), 1);
         QVERIFY(m_engine->startDevice(m_engine->getFoundDevices().first(), {}, -1));
         m_engine->setFilters(0, 0, 0, 0);
         m_sample = 0;

@@ -2,9 +2,11 @@
 
 #include "core/AbstractDevice.h"
 #include "core/AbstractDeviceDiscovery.h"
+#include "core/CortexCore.h"
 
 #include <QBluetoothAddress>
 #include <QBluetoothDeviceInfo>
+#include <QSignalSpy>
 #include <QStringList>
 
 // A headset stand-in: records what the engine asks of it and loses its connection on demand.
@@ -79,3 +81,20 @@ public:
     int starts = 0;
     int stops = 0;
 };
+
+// An engine whose Bluetooth search has found one 8-channel test headset, "OX8G (0031)".
+inline CortexCore* engineFindingHeadset(QObject* parent)
+{
+    auto* engine = new CortexCore(parent);
+    auto* discovery = new FakeDiscovery(engine);
+    discovery->visible = { QStringLiteral("OX8G (0031)") };
+    engine->setDeviceDiscovery(discovery);
+    engine->setHeadsetFactory([](const QBluetoothDeviceInfo& info, QObject* owner) {
+        return new TestHeadset(info.name(), 8, owner);
+    });
+    QSignalSpy found(engine, &CortexCore::deviceFound);
+    engine->startDeviceSearch();
+    if (found.isEmpty())
+        found.wait(5000);
+    return engine;
+}
