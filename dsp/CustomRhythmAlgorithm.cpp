@@ -1,6 +1,6 @@
 #include "dsp/CustomRhythmAlgorithm.h"
 
-#include "dsp/SpectrumBand.h"
+#include "dsp/BandBins.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,7 +31,7 @@ void CustomRhythmAlgorithm::setChannelSpecification(const QString& channels)
 
 bool CustomRhythmAlgorithm::channelShare(const QList<float>& spectrum, double frequencyStep, double& share) const
 {
-    const SpectrumBand band(m_lowerFrequency, m_upperFrequency, frequencyStep);
+    const BandBins band(m_lowerFrequency, m_upperFrequency, frequencyStep);
     double total = 0.0;
     double inBand = 0.0;
     for (int i = 0; i < spectrum.size(); ++i) {

@@ -1,6 +1,6 @@
 #include "dsp/CustomSpecialRhythmAlgorithm.h"
 
-#include "dsp/SpectrumBand.h"
+#include "dsp/BandBins.h"
 
 CustomSpecialRhythmAlgorithm::CustomSpecialRhythmAlgorithm(QString name, double numeratorFrom, double numeratorTo,
                                                            double denominatorFrom, double denominatorTo,
@@ -28,8 +28,8 @@ void CustomSpecialRhythmAlgorithm::setChannelSpecification(const QString& channe
 
 double CustomSpecialRhythmAlgorithm::internalProcessSpectrum(QList<QList<float>>& spectra, float frequencyStep)
 {
-    const SpectrumBand numeratorBand(m_numeratorFrom, m_numeratorTo, frequencyStep);
-    const SpectrumBand denominatorBand(m_denominatorFrom, m_denominatorTo, frequencyStep);
+    const BandBins numeratorBand(m_numeratorFrom, m_numeratorTo, frequencyStep);
+    const BandBins denominatorBand(m_denominatorFrom, m_denominatorTo, frequencyStep);
     const QList<int>& selected = m_channels.getIndexes();
     const int count = selected.isEmpty() ? int(spectra.size()) : int(selected.size());
     double numerator = 0.0;

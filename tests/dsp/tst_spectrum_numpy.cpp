@@ -12,7 +12,7 @@
 #include <cmath>
 
 // Checks the analyzer's sliding spectra and rhythm shares against numpy's FFT of the same
-// streams (tests/dsp/spectrum_reference.py), over sample rates, windows and taper percents.
+// streams (tests/dsp/amplitude_spectrum_reference.py), over sample rates, windows and taper percents.
 namespace {
 
 const QList<SpectrumRhythm> rhythms = {
@@ -51,7 +51,7 @@ private Q_SLOTS:
         for (const SpectrumRhythm& r : rhythms)
             bands.append(QJsonArray{r.name, r.from, r.to});
         QProcess python;
-        python.start(ORVEX_REFERENCE_PYTHON, {QString(ORVEX_TEST_DIR) + "/spectrum_reference.py"});
+        python.start(ORVEX_REFERENCE_PYTHON, {QString(ORVEX_TEST_DIR) + "/amplitude_spectrum_reference.py"});
         QVERIFY2(python.waitForStarted(), "cannot start the reference python " ORVEX_REFERENCE_PYTHON);
         python.write(QJsonDocument(QJsonObject{{"dir", m_dir.path()}, {"rhythms", bands}, {"cases", cases}}).toJson());
         python.closeWriteChannel();

@@ -8,12 +8,12 @@
 // where bin i lies at i × step. Spectrum steps such as 0.1 Hz are not exact in floating point,
 // so a bin within 1/1000 of a step outside the band still counts: a band end that falls on a
 // bin always includes it. A step that is not a positive number selects no bin.
-class SpectrumBand
+class BandBins
 {
 public:
     static constexpr double Margin = 1e-3; // in bins
 
-    SpectrumBand(double lower, double upper, double step)
+    BandBins(double lower, double upper, double step)
     {
         if (!(step > 0.0) || !std::isfinite(step) || !(lower <= upper))
             return;
