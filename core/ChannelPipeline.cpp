@@ -52,7 +52,7 @@ void ChannelPipeline::clear()
 {
     m_channels.clear();
     m_requiredInputs = 0;
-    m_quality.reset(0, 0);
+    m_quality = SignalQualityMeter();
 }
 
 bool ChannelPipeline::buildMontage(const QList<QList<float>>& block, QList<QList<float>>& montage) const
