@@ -112,7 +112,8 @@ bool OxdReader::takeChunk(quint32 tag, const char* payload, quint32 length)
         const char* values = payload + 16;
         for (quint32 c = 0; c < channels; ++c) {
             QList<float> channel(samples);
-            qFromLittleEndian<quint32>(values, samples, channel.data());
+            if (samples > 0)
+                qFromLittleEndian<quint32>(values, samples, channel.data());
             values += samples * sizeof(float);
             block.channels.append(std::move(channel));
         }

@@ -67,8 +67,10 @@ bool OxdWriter::writeBlock(qint64 arrivalMs, const QList<QList<float>>& channels
         // Bit patterns are stored as they are, so NaN payloads survive too; a short channel
         // is padded with zeros.
         const quint32 given = std::min(samples, quint32(channel.size()));
-        qToLittleEndian<quint32>(channel.constData(), given, out);
-        std::memset(out + given * sizeof(float), 0, (samples - given) * sizeof(float));
+        if (given > 0)
+            qToLittleEndian<quint32>(channel.constData(), given, out);
+        if (samples > given)
+            std::memset(out + given * sizeof(float), 0, (samples - given) * sizeof(float));
         out += samples * sizeof(float);
     }
     return writeChunk(OxdFormat::DataTag, m_payload);
