@@ -45,8 +45,10 @@ class TestOxd : public QObject
         if (a.size() != b.size())
             return false;
         for (qsizetype c = 0; c < a.size(); ++c) {
-            if (a[c].size() != b[c].size()
-                || std::memcmp(a[c].constData(), b[c].constData(), size_t(a[c].size()) * sizeof(float)) != 0)
+            if (a[c].size() != b[c].size())
+                return false;
+            if (!a[c].isEmpty()
+                && std::memcmp(a[c].constData(), b[c].constData(), size_t(a[c].size()) * sizeof(float)) != 0)
                 return false;
         }
         return true;
