@@ -47,6 +47,10 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
         } else if (argument == QLatin1String("--csv")) {
             if (!takeValue(arguments, i, options.csvPath, error))
                 return false;
+        } else if (argument == QLatin1String("--record")) {
+            if (!takeValue(arguments, i, options.recordPath, error))
+                return false;
+            options.record = true;
         } else if (argument == QLatin1String("--csv-metrics")) {
             if (!takeValue(arguments, i, options.csvMetricsPath, error))
                 return false;
@@ -76,6 +80,8 @@ QString HeadlessOptions::usage()
         "  --device generator   the device to stream (default: the signal generator)\n"
         "  --duration SECONDS   stop, close the files and exit 0 after that much streaming\n"
         "                       (default: until interrupted with Ctrl+C)\n"
+        "  --record PATH        record while streaming: PATH.edf (filtered channels), PATH.oxd\n"
+        "                       (raw samples) and PATH.log; a trailing .edf is cut off\n"
         "  --csv PATH           write the filtered montage channels as CSV while streaming\n"
         "  --csv-metrics PATH   write one CSV row per spectrum step: every channel's rhythm\n"
         "                       shares, meditation, concentration and the custom algorithms\n"

@@ -17,6 +17,8 @@ struct HeadlessOptions
     double durationSeconds = 0; // 0: until interrupted
     QString csvPath;
     QString csvMetricsPath;
+    QString recordPath; // empty: no recording
+    bool record = false;
     QList<QPair<QString, QString>> settings; // --set Key=Value, in order
 
     // Fills `options` from the arguments (program name first); false with `error` set when

@@ -22,6 +22,11 @@ bool HeadlessSession::start(QString& error)
         return false;
 
     m_samplingRate = engine->getCurrentDeviceFrequency();
+    if (m_options.record && !engine->startRecord(m_options.recordPath)) {
+        error = QStringLiteral("cannot record: %1").arg(engine->lastRecordError());
+        engine->stopDevice();
+        return false;
+    }
     if (!m_options.csvPath.isEmpty()) {
         if (!m_csv.open(m_options.csvPath, engine->getCurrentMontageChannelNames(), error)) {
             engine->stopDevice();
@@ -129,6 +134,8 @@ void HeadlessSession::finish(int exitCode)
     if (m_finished)
         return;
     m_finished = true;
+    if (m_model->engine()->isRecording())
+        m_model->engine()->stopRecord();
     m_model->engine()->stopDevice();
     m_csv.close();
     m_metrics.close();

@@ -18,6 +18,7 @@ OrvexModel::OrvexModel(QObject* parent)
     m_engine->setLPFOrder(m_settings->getLPFOrder(), false);
     m_engine->setStorageTimeSeconds(m_settings->getStorageTime());
     m_engine->setVirtualDeviceSettings(m_virtualDevices);
+    applyRecordingSettings();
     GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
 
     connect(m_settings, &KxSettings::settingChanged, this, &OrvexModel::applyEngineSetting);
@@ -42,6 +43,9 @@ void OrvexModel::applyEngineSetting(const QString& name)
         m_engine->setLPFOrder(m_settings->getLPFOrder(), true);
     else if (name == QLatin1String("StorageTime"))
         m_engine->setStorageTimeSeconds(m_settings->getStorageTime());
+    else if (name == QLatin1String("DataFolder") || name == QLatin1String("RecordRawEDF")
+             || name == QLatin1String("RecordOXD"))
+        applyRecordingSettings();
     else if (name == QLatin1String("LoggingEnabled"))
         GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
     else if ((name.startsWith(QLatin1String("Spectrum")) || name.startsWith(QLatin1String("Meditation"))
@@ -102,4 +106,11 @@ void OrvexModel::startIndex(int index, const QString& prefix)
                                      int(number("LowThresholdHistory")), int(number("TopThresholdHistory")),
                                      int(number("Smoothing")),
                                      m_settings->property(qPrintable(prefix + QLatin1String("LimitTo100"))).toBool());
+}
+
+void OrvexModel::applyRecordingSettings()
+{
+    m_engine->setDataFolder(m_settings->resolvedDataFolder());
+    m_engine->enableRecordRawEDF(m_settings->getRecordRawEDF());
+    m_engine->enableRecordOXD(m_settings->getRecordOXD());
 }

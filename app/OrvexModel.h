@@ -33,6 +33,7 @@ public:
 
 private:
     void applyEngineSetting(const QString& name);
+    void applyRecordingSettings();
     void startIndex(int index, const QString& prefix);
 
     OrvexSettings* m_settings;

@@ -10,6 +10,8 @@
 #include "services/TextHelper.h"
 #include "settings/VirtualDevicesSettings.h"
 
+#include <QDir>
+#include <QJsonArray>
 #include <QMetaMethod>
 #include <QTimer>
 
@@ -32,6 +34,8 @@ CortexCore::CortexCore(QObject* parent)
 
 CortexCore::~CortexCore()
 {
+    if (m_recording)
+        stopRecord();
     dropDeviceConnections();
     if (m_currentDevice) {
         m_currentDevice->stop();
@@ -342,8 +346,13 @@ void CortexCore::connectDevice(AbstractDevice* device, const DeviceInfo& info)
                    Qt::DirectConnection)
         << connect(device, &AbstractDevice::impedanceFetched, this, &CortexCore::newImpedances,
                    Qt::QueuedConnection)
-        << connect(device, &AbstractDevice::disconnected, this, [this, name] { reconnectToDevice(name); },
-                   Qt::QueuedConnection)
+        << connect(
+               device, &AbstractDevice::disconnected, this,
+               [this, name] {
+                   pauseRecord();
+                   reconnectToDevice(name);
+               },
+               Qt::QueuedConnection)
         << connect(device, &AbstractDevice::wrongDataRate, this, [this, name] { reconnectToDevice(name); },
                    Qt::QueuedConnection);
 }
@@ -435,7 +444,13 @@ CortexDataResult CortexCore::addDataChannelWise(QList<QList<float>> block)
         result.channelValues.append(float(value));
     Q_EMIT newSignalQuality(quality);
 
-    m_metering.process(filtered, QDateTime::currentMSecsSinceEpoch(), result);
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    m_metering.process(filtered, now, result);
+
+    if (m_record && !m_recordPaused) {
+        m_record->write(filtered, block, now);
+        Q_EMIT recordDurationChanged(m_record->durationSeconds());
+    }
 
     Q_EMIT newCortexDataResult(result);
     return result;
@@ -875,4 +890,195 @@ QList<CustomBCIAlgorithm*> CortexCore::getCustomAlgoritms() const
 {
     QMutexLocker locker(&m_dataMutex);
     return m_metering.algorithms();
+}
+
+// ---------------------------------------------------------------------------------------
+// Recording
+
+namespace {
+// Annotations made just before a recording starts still belong to it.
+constexpr qint64 PendingAnnotationWindowMs = 5000;
+const QString AnnotationKey = QStringLiteral("Annotation");
+}
+
+void CortexCore::setDataFolder(QString folder)
+{
+    m_dataFolder = folder;
+}
+
+bool CortexCore::startRecord(QString path, bool)
+{
+    if (m_recording) {
+        kxDebug() << QStringLiteral("STOP ON START");
+        stopRecord();
+    }
+    m_recordPaused = false;
+    m_lastRecordError.clear();
+    if (!(m_samplingRate > 0)) {
+        m_lastRecordError = QStringLiteral("no device is streaming");
+        return false;
+    }
+    const QDateTime now = QDateTime::currentDateTime();
+    QString stem = path.isEmpty()
+        ? QDir(m_dataFolder).filePath(now.toString(QStringLiteral("yyyy.MM.dd-hh.mm.ss")))
+        : path;
+    if (stem.endsWith(QStringLiteral(".edf"), Qt::CaseInsensitive))
+        stem.chop(4);
+    m_lastRecordFileName = path;
+
+    RecordingSession::Setup setup;
+    setup.stem = stem;
+    setup.samplingRate = m_samplingRate;
+    setup.montageNames = getCurrentMontageChannelNames();
+    setup.deviceChannelNames = m_currentDevice ? m_currentDevice->channelNames() : QStringList();
+    const QList<QPair<QString, float>> filters = { { QStringLiteral("HP"), m_hpf }, { QStringLiteral("LP"), m_lpf },
+                                                   { QStringLiteral("BS"), m_bsf }, { QStringLiteral("BS2"), m_bsf2 } };
+    for (const auto& [label, value] : filters) {
+        if (value > 0)
+            setup.prefilters.insert(label, value);
+    }
+    setup.rawBdf = m_recordRaw;
+    setup.oxd = m_recordOxd;
+    setup.startMs = now.toMSecsSinceEpoch();
+    setup.sideHeader = QJsonObject { { QStringLiteral("device"), m_currentInfo.name },
+                                     { QStringLiteral("samplingRate"), double(m_samplingRate) },
+                                     { QStringLiteral("deviceChannels"), QJsonArray::fromStringList(setup.deviceChannelNames) },
+                                     { QStringLiteral("montageChannels"), QJsonArray::fromStringList(setup.montageNames) },
+                                     { QStringLiteral("HPF"), m_hpf },
+                                     { QStringLiteral("LPF"), m_lpf },
+                                     { QStringLiteral("BSF"), m_bsf },
+                                     { QStringLiteral("BSF2"), m_bsf2 },
+                                     { QStringLiteral("startMs"), setup.startMs } };
+
+    auto session = std::make_unique<RecordingSession>();
+    QString error;
+    if (!session->open(setup, error)) {
+        m_lastRecordError = error;
+        kxDebug() << QStringLiteral("Recording not started: ") + error;
+        return false;
+    }
+    {
+        QMutexLocker locker(&m_dataMutex);
+        m_record = std::move(session);
+        m_recording = true;
+    }
+    Q_EMIT isRecordingChanged(true);
+
+    const QList<QPair<QString, QVariant>> items = {
+        { QStringLiteral("Device"), m_currentInfo.name },
+        { QStringLiteral("Date"), now.toString(Qt::ISODateWithMs) },
+        { QStringLiteral("Timestamp"), now.toMSecsSinceEpoch() },
+        { QStringLiteral("Frequency"), double(m_samplingRate) },
+        { QStringLiteral("Channels"), setup.montageNames.join(QLatin1Char(',')) },
+        { QStringLiteral("ChannelCount"), int(setup.montageNames.size()) },
+        { QStringLiteral("HPF"), double(m_hpf) },
+        { QStringLiteral("LPF"), double(m_lpf) },
+        { QStringLiteral("BSF"), double(m_bsf) },
+        { QStringLiteral("BSF2"), double(m_bsf2) },
+    };
+    for (const auto& [key, value] : items)
+        addLogItem(value, key, now);
+    writePendingAnnotations();
+    Q_EMIT recordStarted(m_record->edfPath());
+    return true;
+}
+
+void CortexCore::writePendingAnnotations()
+{
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const QList<PendingLogItem> pending = std::exchange(m_pendingLog, {});
+    for (const PendingLogItem& item : pending) {
+        if (std::abs(item.time.toMSecsSinceEpoch() - now) > PendingAnnotationWindowMs)
+            continue;
+        m_record->log(item.value, item.key, item.time);
+        if (item.key == AnnotationKey)
+            m_record->addAnnotation(item.value.toString(), 0, 0);
+    }
+}
+
+QList<QString> CortexCore::stopRecord()
+{
+    if (!m_record)
+        return {};
+    addLogItem(QString(), QStringLiteral("StopRecord"));
+    const float duration = m_record->durationSeconds();
+    QList<QString> paths;
+    {
+        QMutexLocker locker(&m_dataMutex);
+        paths = m_record->close();
+        m_record.reset();
+        m_recording = false;
+        m_recordPaused = false;
+    }
+    Q_EMIT isRecordingChanged(false);
+    Q_EMIT recordStopped(paths, duration);
+    return paths;
+}
+
+bool CortexCore::pauseRecord()
+{
+    if (!m_recording || m_recordPaused)
+        return false;
+    {
+        QMutexLocker locker(&m_dataMutex);
+        m_record->pause();
+        m_recordPaused = true;
+    }
+    m_pauseStartedMs = QDateTime::currentMSecsSinceEpoch();
+    addLogItem(QString(), QStringLiteral("RECORD_PAUSE"));
+    Q_EMIT recordPaused();
+    return true;
+}
+
+bool CortexCore::continueRecord(QString)
+{
+    if (!m_recording || !m_recordPaused)
+        return false;
+    {
+        QMutexLocker locker(&m_dataMutex);
+        m_record->resume();
+        m_recordPaused = false;
+    }
+    addLogItem(QString(), QStringLiteral("RECORD_CONTINUE"));
+    const double pausedSeconds = double(QDateTime::currentMSecsSinceEpoch() - m_pauseStartedMs) / 1000.0;
+    addAnnotation(QStringLiteral("PAUSED %1s").arg(pausedSeconds, 0, 'f', 1));
+    Q_EMIT recordContinued();
+    return true;
+}
+
+int CortexCore::addAnnotation(QString text, int onsetMs, int durationMs)
+{
+    addLogItem(text, AnnotationKey);
+    int onset = -1;
+    if (m_record) {
+        QMutexLocker locker(&m_dataMutex);
+        onset = m_record->addAnnotation(text, onsetMs, durationMs);
+    }
+    Q_EMIT newAnnotation(text, onset);
+    return onset;
+}
+
+bool CortexCore::addFileToRecord(QString name, QByteArray data)
+{
+    return m_record && m_record->addFile(name, data);
+}
+
+bool CortexCore::addLogItem(QVariant value, QString key, QDateTime time)
+{
+    if (m_recording && m_record)
+        return m_record->log(value, key, time);
+    if (key == AnnotationKey) {
+        m_pendingLog.append({ time, key, value });
+        return true;
+    }
+    kxDebug() << QStringLiteral("Unable to put log: REC - %1, FILE: %2")
+                     .arg(m_recording ? QStringLiteral("true") : QStringLiteral("false"),
+                          m_record ? m_record->stem() : QString());
+    return false;
+}
+
+float CortexCore::currentRecordDuration() const
+{
+    QMutexLocker locker(&m_dataMutex);
+    return m_record ? m_record->durationSeconds() : 0.0f;
 }

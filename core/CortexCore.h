@@ -6,10 +6,12 @@
 #include "core/DeviceInfo.h"
 #include "core/EngineHistories.h"
 #include "core/EngineMetering.h"
+#include "core/RecordingSession.h"
 #include "core/TimestampedData.h"
 #include "dsp/MontageChannel.h"
 
 #include <QBluetoothDeviceInfo>
+#include <QDateTime>
 #include <QList>
 #include <QMap>
 #include <QObject>
@@ -17,6 +19,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 
 class AbstractDeviceDiscovery;
 class CustomBCIAlgorithm;
@@ -148,6 +151,25 @@ public:
     void clearCustomBCIAlgorithms();
     QList<CustomBCIAlgorithm*> getCustomAlgoritms() const;
 
+    // Recording
+    void setDataFolder(QString folder);
+    QString getDataFolder() const { return m_dataFolder; }
+    void enableRecordRawEDF(bool enable) { m_recordRaw = enable; }
+    void enableRecordOXD(bool enable) { m_recordOxd = enable; }
+    // False when no device streams or a file cannot be written (see lastRecordError()).
+    bool startRecord(QString path = QString(), bool flag = false);
+    QList<QString> stopRecord();
+    bool pauseRecord();
+    bool continueRecord(QString text = QString());
+    int addAnnotation(QString text, int onsetMs = -1, int durationMs = 0);
+    bool addFileToRecord(QString name, QByteArray data);
+    bool addLogItem(QVariant value, QString key, QDateTime time = QDateTime::currentDateTime());
+    bool isRecording() const { return m_recording; }
+    bool isRecordPaused() const { return m_recordPaused; }
+    float currentRecordDuration() const;
+    QString lastRecordFileName() const { return m_lastRecordFileName; }
+    QString lastRecordError() const { return m_lastRecordError; }
+
 Q_SIGNALS:
     void deviceFound(DeviceInfo info);
     void deviceLost(DeviceInfo info);
@@ -169,6 +191,12 @@ Q_SIGNALS:
     void dataRecreated();
     void channelVisualScaleChanged(int channel, double scale);
     void recordDurationChanged(float seconds);
+    void recordStarted(QString path);
+    void recordPaused();
+    void recordContinued();
+    void recordStopped(QList<QString> paths, float durationSeconds);
+    void isRecordingChanged(bool isRecording);
+    void newAnnotation(QString text, int onsetMs);
     void stateRecordStarted(int index);
     void stateRecordStopped(int index);
     void stateRecognized(int index);
@@ -232,4 +260,23 @@ private:
     int m_hpfOrder = 4;
     bool m_grabMode = false;
     bool m_montageMismatchReported = false;
+
+    // Recording state
+    struct PendingLogItem
+    {
+        QDateTime time;
+        QString key;
+        QVariant value;
+    };
+    void writePendingAnnotations();
+    QString m_dataFolder;
+    QString m_lastRecordFileName;
+    QString m_lastRecordError;
+    bool m_recording = false;
+    bool m_recordPaused = false;
+    bool m_recordRaw = false;
+    bool m_recordOxd = true;
+    qint64 m_pauseStartedMs = 0;
+    std::unique_ptr<RecordingSession> m_record;
+    QList<PendingLogItem> m_pendingLog;
 };

@@ -123,6 +123,23 @@ private Q_SLOTS:
         }
     }
 
+    void recordsWhileStreaming()
+    {
+        const QString stem = m_home.filePath(QStringLiteral("records/run"));
+        const Run result = run({ "--headless", "--duration", "2", "--record", stem + ".edf" });
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(QFileInfo(stem + ".edf").size() > 256);
+        QVERIFY(QFileInfo(stem + ".oxd").size() > 12);
+        QFile log(stem + ".log");
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QVERIFY(log.readAll().contains("\tStopRecord\t"));
+
+        const Run refused = run({ "--headless", "--duration", "1", "--record", "/proc/no/such/folder/rec" });
+        QCOMPARE(refused.exitCode, 1);
+        QCOMPARE(refused.err.trimmed().count('\n'), 0);
+        QVERIFY(refused.err.contains("cannot record"));
+    }
+
     void csvGrowsWhileStreamingAndStopsCleanly()
     {
         const QString csv = m_home.filePath(QStringLiteral("live.csv"));
