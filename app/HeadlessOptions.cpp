@@ -31,8 +31,10 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
         } else if (argument == QLatin1String("--device")) {
             if (!takeValue(arguments, i, options.device, error))
                 return false;
-            if (options.device != QLatin1String("generator")) {
-                error = QStringLiteral("unknown device '%1' (available: generator)").arg(options.device);
+            const bool file = options.device.endsWith(QLatin1String(".edf"), Qt::CaseInsensitive)
+                || options.device.endsWith(QLatin1String(".bdf"), Qt::CaseInsensitive);
+            if (options.device != QLatin1String("generator") && !file) {
+                error = QStringLiteral("unknown device '%1' (generator, or an .edf or .bdf file)").arg(options.device);
                 return false;
             }
         } else if (argument == QLatin1String("--duration")) {
@@ -77,7 +79,9 @@ QString HeadlessOptions::usage()
         "Usage: orvexpro --headless [options]\n"
         "Streams an EEG device through the engine without a window.\n"
         "\n"
-        "  --device generator   the device to stream (default: the signal generator)\n"
+        "  --device generator|FILE.edf|FILE.bdf\n"
+        "                       the device to stream: the signal generator (default) or a\n"
+        "                       recording played in real time, looping\n"
         "  --duration SECONDS   stop, close the files and exit 0 after that much streaming\n"
         "                       (default: until interrupted with Ctrl+C)\n"
         "  --record PATH        record while streaming: PATH.edf (filtered channels), PATH.oxd\n"

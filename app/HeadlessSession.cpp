@@ -2,8 +2,10 @@
 
 #include "app/OrvexModel.h"
 #include "core/CortexCore.h"
+#include "settings/VirtualDevicesSettings.h"
 #include "dsp/CustomBCIAlgorithm.h"
 
+#include <QFileInfo>
 #include <QTimer>
 
 #include <cstdio>
@@ -18,7 +20,7 @@ HeadlessSession::HeadlessSession(OrvexModel* model, const HeadlessOptions& optio
 bool HeadlessSession::start(QString& error)
 {
     CortexCore* engine = m_model->engine();
-    if (!startGenerator(error))
+    if (!(m_options.device == QLatin1String("generator") ? startGenerator(error) : startFilePlayer(error)))
         return false;
 
     m_samplingRate = engine->getCurrentDeviceFrequency();
@@ -62,6 +64,24 @@ bool HeadlessSession::startGenerator(QString& error)
     }
     error = QStringLiteral("the signal generator cannot start: it is switched off "
                            "(GeneratorEnabled) or has no channel names (GeneratorChannelNames)");
+    return false;
+}
+
+bool HeadlessSession::startFilePlayer(QString& error)
+{
+    const QString path = m_options.device;
+    if (!QFileInfo(path).isReadable()) {
+        error = QStringLiteral("cannot read %1").arg(path);
+        return false;
+    }
+    m_model->virtualDevicesSettings()->setTextValue(QStringLiteral("EDFPath"), QFileInfo(path).absoluteFilePath());
+    CortexCore* engine = m_model->engine();
+    engine->startDeviceSearch();
+    for (const DeviceInfo& info : engine->getFoundDevices()) {
+        if (info.name == QLatin1String("EDFVirtualDevice") && engine->startDevice(info, {}, -1))
+            return true;
+    }
+    error = QStringLiteral("cannot play %1: not a readable EDF/BDF recording (see --verbose)").arg(path);
     return false;
 }
 

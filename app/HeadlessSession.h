@@ -28,6 +28,7 @@ Q_SIGNALS:
 
 private:
     bool startGenerator(QString& error);
+    bool startFilePlayer(QString& error);
     bool openMetrics(QString& error);
     void onData(QList<QList<float>> block);
     void onResult(const CortexDataResult& result);

@@ -4,6 +4,7 @@
 #include "core/DefaultMontage.h"
 #include "core/HeadsetDescriptor.h"
 #include "devices/BleDeviceDiscovery.h"
+#include "devices/EDFVirtualDevice.h"
 #include "devices/GeneratorVirtualDevice.h"
 #include "services/GlobalConsole.h"
 #include "services/GlobalConsoleWriter.h"
@@ -11,6 +12,7 @@
 #include "settings/VirtualDevicesSettings.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QMetaMethod>
 #include <QTimer>
@@ -19,6 +21,7 @@ bool CortexCore::Use_FIR = true;
 
 namespace {
 const QString GeneratorKey = QStringLiteral("GeneratorDevice");
+const QString FilePlayerKey = QStringLiteral("EDFVirtualDevice");
 const QString VirtualModel = QStringLiteral("Virtual");
 // Without an adapter a pending reconnection has no search to wait for; it tries again after this.
 constexpr int ReconnectRetryMs = 1000;
@@ -83,6 +86,7 @@ bool CortexCore::startDeviceSearch()
     clearDeviceMap();
     m_foundDevices.clear();
     listGenerator();
+    listFilePlayer();
 
     if (m_discovery) {
         QMetaObject::invokeMethod(m_discovery, "stop", Qt::QueuedConnection);
@@ -159,6 +163,35 @@ void CortexCore::listGenerator()
     Q_EMIT deviceFound(info);
 }
 
+void CortexCore::listFilePlayer()
+{
+    if (!m_virtualSettings)
+        return;
+    const QString path = m_virtualSettings->getEDFPath();
+    if (path.isEmpty() || !QFileInfo::exists(path))
+        return;
+    auto* player = new EDFVirtualDevice(this);
+    player->setPath(path);
+    if (player->channelCount() < 1) {
+        player->deleteLater();
+        return;
+    }
+    m_devices.insert(FilePlayerKey, player);
+
+    DeviceInfo info;
+    info.name = FilePlayerKey;
+    info.serialNumber = FilePlayerKey;
+    info.model = VirtualModel;
+    info.maxChannels = player->channelCount();
+    info.preferredChannelCount = player->channelCount();
+    info.currentChannelCount = player->channelCount();
+    info.battery = -1;
+    info.channelModes.insert(player->channelCount(), player->samplingRate());
+    info.channelNames = player->channelNames();
+    m_foundDevices.append(info);
+    Q_EMIT deviceFound(info);
+}
+
 void CortexCore::onSearchFinished()
 {
     m_searching = false;
@@ -220,7 +253,7 @@ AbstractDevice* CortexCore::deviceFor(const DeviceInfo& info) const
 {
     if (info.model == VirtualModel) {
         if (info.name.contains(QStringLiteral("EDF")))
-            return m_devices.value(QStringLiteral("EDFVirtualDevice"));
+            return m_devices.value(FilePlayerKey);
         if (info.name.contains(QStringLiteral("Generator")))
             return m_devices.value(GeneratorKey);
         return nullptr;

@@ -217,6 +217,7 @@ private:
     AbstractDevice* deviceFor(const DeviceInfo& info) const;
     void clearDeviceMap();
     void listGenerator();
+    void listFilePlayer();
     void emitOptionalDataSignals(const QList<QList<float>>& filtered);
     FilterChain::Settings engineFilterSettings() const;
     template<typename T>

@@ -1,0 +1,149 @@
+#include "devices/EDFVirtualDevice.h"
+
+#include "formats/EDFReader.h"
+#include "services/GlobalConsoleWriter.h"
+#include "services/KxTimer.h"
+
+#include <QtGlobal>
+
+#include <climits>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+// One playback position for every player in the process.
+int& sharedPosition()
+{
+    static int position = 0;
+    return position;
+}
+
+} // namespace
+
+EDFVirtualDevice::EDFVirtualDevice(QObject* parent)
+    : AbstractDevice(parent)
+{
+    m_dataTimer = new KxTimer(40, this);
+    connect(m_dataTimer, &QTimer::timeout, this, &EDFVirtualDevice::onDataTimer);
+    m_name = QStringLiteral("EDFVirtualDevice");
+    setConnectedState(CONNECTED);
+}
+
+EDFVirtualDevice::~EDFVirtualDevice() = default;
+
+void EDFVirtualDevice::setPath(QString path)
+{
+    m_path = std::move(path);
+    releaseReader();
+    m_reader = new EDFReader(m_path, this);
+    m_channelData.clear();
+    m_channelNames.clear();
+    m_channelCount = 0;
+    m_length = 0;
+    if (!m_reader->open()) {
+        kxDebug() << QString("Error opening file %1 (opened: %2)").arg(m_path).arg(m_reader->isFileOpened());
+        return;
+    }
+    m_channelCount = m_reader->getChannelCount();
+    m_length = int(qMin<unsigned>(m_reader->lengthSamples(), unsigned(INT_MAX)));
+    m_samplingRate = m_reader->samplingRate();
+    m_samplesPerMs = m_samplingRate / 1000.0f;
+    m_samplesThisTick = qint32(m_samplingRate / 25.0f);
+    const QList<QString> names = m_reader->getChannelNames();
+    m_channelData.reserve(m_channelCount);
+    for (int ch = 0; ch < m_channelCount; ++ch) {
+        m_channelData.append(m_reader->getChannelDataFloat(unsigned(ch), 0, unsigned(m_length)));
+        m_channelNames.append(names.value(ch).trimmed());
+    }
+}
+
+void EDFVirtualDevice::setTimeSource(TimeSource source)
+{
+    m_timeSource = std::move(source);
+}
+
+QString EDFVirtualDevice::deviceType() { return QStringLiteral("EDFVirtualDevice"); }
+QString EDFVirtualDevice::deviceVersion() { return QStringLiteral("1.0"); }
+bool EDFVirtualDevice::hasBattery() { return false; }
+bool EDFVirtualDevice::hasImpedance() { return false; }
+
+bool EDFVirtualDevice::open()
+{
+    if (m_channelData.isEmpty())
+        return false;
+    return start(0);
+}
+
+bool EDFVirtualDevice::start(int)
+{
+    // A restart must not deliver the whole pause as one block: the first tick restamps the clock.
+    m_lastTickTime = 0;
+    if (m_dataTimer)
+        m_dataTimer->start();
+    return true;
+}
+
+void EDFVirtualDevice::stop()
+{
+    if (m_dataTimer)
+        m_dataTimer->stop();
+}
+
+void EDFVirtualDevice::close()
+{
+    stop();
+    m_channelData.clear();
+    releaseReader();
+}
+
+void EDFVirtualDevice::releaseReader()
+{
+    if (m_reader)
+        m_reader->deleteLater();
+    m_reader = nullptr;
+}
+
+void EDFVirtualDevice::onDataTimer()
+{
+    calcSampleOnPack();
+    const int n = m_samplesThisTick;
+    if (n <= 0)
+        return;
+    int& position = sharedPosition();
+    // Samples past the end are dropped, so the last block before the loop is shorter.
+    const qint64 available = qMax<qint64>(0, qint64(m_length) - position);
+    const int count = int(qMin<qint64>(n, available));
+    QList<QList<float>> block(m_channelData.size());
+    for (int ch = 0; ch < m_channelData.size(); ++ch) {
+        const QList<float>& source = m_channelData[ch];
+        const int taken = int(qMin<qsizetype>(count, qMax<qsizetype>(0, source.size() - position)));
+        block[ch] = source.mid(position, taken);
+    }
+    const qint64 next = qint64(position) + n;
+    position = next >= m_length ? 0 : int(next);
+    emitSample(block);
+}
+
+void EDFVirtualDevice::calcSampleOnPack()
+{
+    const qint64 now = m_timeSource ? m_timeSource() : systemTimeMs();
+    if (m_lastTickTime == 0) {
+        m_lastTickTime = now;
+        m_samplesThisTick = 0;
+        return;
+    }
+    // The fraction cut off here is carried into the next tick, so no sample is lost.
+    const float x = float(now - m_lastTickTime) * m_samplesPerMs + m_sampleCarry;
+    const float n = std::floor(x);
+    m_lastTickTime = now;
+    if (!(n < 2147483648.0f) || !std::isfinite(n)) {
+        // A clock jump too large to represent: drop the gap rather than overflow.
+        m_sampleCarry = 0;
+        m_samplesThisTick = 0;
+        return;
+    }
+    m_sampleCarry = x - n;
+    // A clock that went backwards produces nothing until it catches up.
+    m_samplesThisTick = n > 0 ? qint32(n) : 0;
+}

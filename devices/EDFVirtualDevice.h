@@ -1,0 +1,60 @@
+#pragma once
+
+#include "core/AbstractDevice.h"
+#include "services/TimeSource.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class EDFReader;
+class KxTimer;
+
+// Replays a recorded EDF/BDF file as if it were a live headset: the whole file is held in
+// memory and handed out in blocks paced by the wall clock, looping at the end.
+//
+// The playback position is process-wide and shared by every instance, so all instances must
+// live on one thread.
+class EDFVirtualDevice : public AbstractDevice
+{
+    Q_OBJECT
+public:
+    explicit EDFVirtualDevice(QObject* parent = nullptr);
+    ~EDFVirtualDevice() override;
+
+    // Loads every channel of the file; on failure the device is left without data.
+    void setPath(QString path);
+    QString path() const { return m_path; }
+
+    // Pacing reads the wall clock through this; tests drive it by hand.
+    void setTimeSource(TimeSource source);
+
+    QString deviceType() override;
+    QString deviceVersion() override;
+    bool open() override;
+    void close() override;
+    bool start(int frequency) override;
+    void stop() override;
+    bool hasBattery() override;
+    bool hasImpedance() override;
+
+private Q_SLOTS:
+    void onDataTimer();
+
+private:
+    void calcSampleOnPack();
+    void releaseReader();
+
+    qint64 m_lastTickTime = 0;
+    float m_sampleCarry = 0;
+    float m_samplesPerMs = 1.0f;
+    KxTimer* m_dataTimer = nullptr;
+    QString m_path;
+    QPointer<EDFReader> m_reader;
+    QList<QList<float>> m_channelData;
+    int m_length = 0;
+    qint32 m_samplesThisTick = 0;
+
+    TimeSource m_timeSource;
+};
