@@ -46,6 +46,15 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
                 error = QStringLiteral("--duration needs a positive number of seconds, not '%1'").arg(value);
                 return false;
             }
+        } else if (argument == QLatin1String("--speed")) {
+            if (!takeValue(arguments, i, value, error))
+                return false;
+            bool ok = false;
+            options.speed = value.toDouble(&ok);
+            if (!ok || options.speed < 0 || options.speed > 1000) {
+                error = QStringLiteral("--speed needs a factor from 0 to 1000, not '%1'").arg(value);
+                return false;
+            }
         } else if (argument == QLatin1String("--csv")) {
             if (!takeValue(arguments, i, options.csvPath, error))
                 return false;
@@ -70,6 +79,10 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
             return false;
         }
     }
+    if (options.speed != 1 && options.device == QLatin1String("generator")) {
+        error = QStringLiteral("--speed applies to a recording played with --device FILE");
+        return false;
+    }
     return true;
 }
 
@@ -82,6 +95,8 @@ QString HeadlessOptions::usage()
         "  --device generator|FILE.edf|FILE.bdf\n"
         "                       the device to stream: the signal generator (default) or a\n"
         "                       recording played in real time, looping\n"
+        "  --speed FACTOR       playback speed of a recording: 1 real time (default), 0 every\n"
+        "                       sample once as fast as possible, then exit\n"
         "  --duration SECONDS   stop, close the files and exit 0 after that much streaming\n"
         "                       (default: until interrupted with Ctrl+C)\n"
         "  --record PATH        record while streaming: PATH.edf (filtered channels), PATH.oxd\n"

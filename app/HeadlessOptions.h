@@ -15,6 +15,7 @@ struct HeadlessOptions
     bool verbose = false;
     QString device = QStringLiteral("generator");
     double durationSeconds = 0; // 0: until interrupted
+    double speed = 1;           // file playback: 1 real time, 0 as fast as possible
     QString csvPath;
     QString csvMetricsPath;
     QString recordPath; // empty: no recording

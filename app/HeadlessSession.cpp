@@ -2,6 +2,7 @@
 
 #include "app/OrvexModel.h"
 #include "core/CortexCore.h"
+#include "devices/EDFVirtualDevice.h"
 #include "settings/VirtualDevicesSettings.h"
 #include "dsp/CustomBCIAlgorithm.h"
 
@@ -45,7 +46,14 @@ bool HeadlessSession::start(QString& error)
     }
     connect(engine, &CortexCore::newDataByChannel, this, &HeadlessSession::onData);
     connect(engine, &CortexCore::newCortexDataResult, this, &HeadlessSession::onResult);
-    if (m_options.durationSeconds > 0) {
+    if (m_pushTimer) {
+        // As fast as possible: every sample of the file once, then the run ends.
+        const qint64 length = static_cast<EDFVirtualDevice*>(engine->currentDevice())->lengthSamples();
+        m_targetSamples = m_options.durationSeconds > 0
+            ? std::min(length, qRound64(m_options.durationSeconds * double(m_samplingRate)))
+            : length;
+        m_pushTimer->start();
+    } else if (m_options.durationSeconds > 0) {
         // The duration is streaming time: the run ends when that much signal has arrived.
         m_targetSamples = qRound64(m_options.durationSeconds * double(m_samplingRate));
         QTimer::singleShot(qint64(m_options.durationSeconds * 1000.0) + StallGraceMs, Qt::PreciseTimer, this,
@@ -78,11 +86,36 @@ bool HeadlessSession::startFilePlayer(QString& error)
     CortexCore* engine = m_model->engine();
     engine->startDeviceSearch();
     for (const DeviceInfo& info : engine->getFoundDevices()) {
-        if (info.name == QLatin1String("EDFVirtualDevice") && engine->startDevice(info, {}, -1))
-            return true;
+        if (info.name != QLatin1String("EDFVirtualDevice") || !engine->startDevice(info, {}, -1))
+            continue;
+        auto* player = static_cast<EDFVirtualDevice*>(engine->currentDevice());
+        if (m_options.speed == 0) {
+            player->stop();
+            m_pushTimer = new QTimer(this);
+            m_pushTimer->setInterval(0);
+            connect(m_pushTimer, &QTimer::timeout, this, &HeadlessSession::pushFileBlocks);
+        } else if (m_options.speed != 1) {
+            const double speed = m_options.speed;
+            const qint64 origin = systemTimeMs();
+            player->setTimeSource([origin, speed] { return origin + qint64(double(systemTimeMs() - origin) * speed); });
+        }
+        return true;
     }
     error = QStringLiteral("cannot play %1: not a readable EDF/BDF recording (see --verbose)").arg(path);
     return false;
+}
+
+// A few blocks per turn of the event loop, so the engine works through them as they come.
+void HeadlessSession::pushFileBlocks()
+{
+    constexpr int BlocksPerTurn = 16;
+    auto* player = static_cast<EDFVirtualDevice*>(m_model->engine()->currentDevice());
+    if (m_finished || !player)
+        return;
+    const int blockSamples = std::max(1, int(m_samplingRate / 25));
+    m_nextFileSample = player->emitRange(m_nextFileSample, blockSamples, BlocksPerTurn);
+    if (m_nextFileSample >= m_targetSamples)
+        m_pushTimer->stop();
 }
 
 void HeadlessSession::onData(QList<QList<float>> block)

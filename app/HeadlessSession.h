@@ -7,6 +7,7 @@
 #include <QObject>
 
 class OrvexModel;
+class QTimer;
 
 // One run without a window: starts the chosen device, streams it through the engine, writes
 // the requested files and ends after the requested duration or on request.
@@ -29,6 +30,7 @@ Q_SIGNALS:
 private:
     bool startGenerator(QString& error);
     bool startFilePlayer(QString& error);
+    void pushFileBlocks();
     bool openMetrics(QString& error);
     void onData(QList<QList<float>> block);
     void onResult(const CortexDataResult& result);
@@ -47,4 +49,6 @@ private:
     bool m_finished = false;
     qint64 m_samples = 0;       // per channel, since streaming started
     qint64 m_targetSamples = 0; // 0: no duration given
+    qint64 m_nextFileSample = 0; // playback at speed 0
+    QTimer* m_pushTimer = nullptr;
 };

@@ -4,6 +4,7 @@
 #include "services/GlobalConsoleWriter.h"
 #include "services/KxTimer.h"
 
+#include <algorithm>
 #include <QtGlobal>
 
 #include <climits>
@@ -146,4 +147,21 @@ void EDFVirtualDevice::calcSampleOnPack()
     m_sampleCarry = x - n;
     // A clock that went backwards produces nothing until it catches up.
     m_samplesThisTick = n > 0 ? qint32(n) : 0;
+}
+
+qint64 EDFVirtualDevice::emitRange(qint64 first, int blockSamples, int blocks)
+{
+    if (m_channelData.isEmpty() || blockSamples < 1 || first < 0)
+        return m_length;
+    qint64 next = first;
+    for (int b = 0; b < blocks && next < m_length; ++b) {
+        const qint64 count = std::min<qint64>(blockSamples, m_length - next);
+        QList<QList<float>> block;
+        block.reserve(m_channelData.size());
+        for (const QList<float>& channel : std::as_const(m_channelData))
+            block.append(channel.mid(next, count));
+        emitSample(block);
+        next += count;
+    }
+    return next;
 }

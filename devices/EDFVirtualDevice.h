@@ -30,6 +30,12 @@ public:
     // Pacing reads the wall clock through this; tests drive it by hand.
     void setTimeSource(TimeSource source);
 
+    // Playback without a clock: emits up to `blocks` blocks of `blockSamples` samples starting
+    // at sample `first` of the file, and returns the sample after the last one emitted (the
+    // length at the end). The paced position is left alone.
+    qint64 emitRange(qint64 first, int blockSamples, int blocks);
+    int lengthSamples() const { return m_length; }
+
     QString deviceType() override;
     QString deviceVersion() override;
     bool open() override;

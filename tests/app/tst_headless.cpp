@@ -158,6 +158,15 @@ private Q_SLOTS:
         // The recorded, filtered sine; the high-pass start-up overshoots a little.
         QVERIFY2(peak > 200 && peak < 300, qPrintable(QString::number(peak)));
 
+        // As fast as possible: every sample of the file exactly once, then the program ends.
+        const QString all = m_home.filePath(QStringLiteral("play/all.csv"));
+        QCOMPARE(run({ "--headless", "--device", stem + ".edf", "--speed", "0", "--csv", all }).exitCode, 0);
+        QCOMPARE(readCsv(all, header).size(), 3 * 125);
+        QCOMPARE(run({ "--headless", "--device", stem + ".edf", "--speed", "0", "--duration", "1", "--csv", all })
+                     .exitCode,
+                 0);
+        QCOMPARE(readCsv(all, header).size(), 125);
+
         const Run missing = run({ "--headless", "--device", m_home.filePath(QStringLiteral("none.bdf")) });
         QCOMPARE(missing.exitCode, 1);
         QCOMPARE(missing.err.trimmed().count('\n'), 0);
@@ -216,6 +225,8 @@ private Q_SLOTS:
         QTest::newRow("bad duration") << QStringList { "--headless", "--duration", "soon" };
         QTest::newRow("unknown device") << QStringList { "--headless", "--device", "toaster" };
         QTest::newRow("not a recording") << QStringList { "--headless", "--device", "notes.txt" };
+        QTest::newRow("speed of the generator") << QStringList { "--headless", "--speed", "0" };
+        QTest::newRow("negative speed") << QStringList { "--headless", "--device", "a.edf", "--speed", "-1" };
         QTest::newRow("unknown setting") << QStringList { "--headless", "--set", "Bogus=1" };
         QTest::newRow("not a number") << QStringList { "--headless", "--set", "HPF=abc" };
         QTest::newRow("out of range") << QStringList { "--headless", "--set", "GeneratorSamplingRate=5" };
