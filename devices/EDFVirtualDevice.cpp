@@ -1,4 +1,5 @@
 #include "devices/EDFVirtualDevice.h"
+#include "devices/TickPacer.h"
 
 #include "formats/EDFReader.h"
 #include "services/GlobalConsoleWriter.h"
@@ -129,24 +130,7 @@ void EDFVirtualDevice::onDataTimer()
 void EDFVirtualDevice::calcSampleOnPack()
 {
     const qint64 now = m_timeSource ? m_timeSource() : systemTimeMs();
-    if (m_lastTickTime == 0) {
-        m_lastTickTime = now;
-        m_samplesThisTick = 0;
-        return;
-    }
-    // The fraction cut off here is carried into the next tick, so no sample is lost.
-    const float x = float(now - m_lastTickTime) * m_samplesPerMs + m_sampleCarry;
-    const float n = std::floor(x);
-    m_lastTickTime = now;
-    if (!(n < 2147483648.0f) || !std::isfinite(n)) {
-        // A clock jump too large to represent: drop the gap rather than overflow.
-        m_sampleCarry = 0;
-        m_samplesThisTick = 0;
-        return;
-    }
-    m_sampleCarry = x - n;
-    // A clock that went backwards produces nothing until it catches up.
-    m_samplesThisTick = n > 0 ? qint32(n) : 0;
+    m_samplesThisTick = TickPacer::samplesDue(now, m_samplesPerMs, m_lastTickTime, m_sampleCarry);
 }
 
 qint64 EDFVirtualDevice::emitRange(qint64 first, int blockSamples, int blocks)
