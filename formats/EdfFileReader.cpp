@@ -69,7 +69,9 @@ bool EdfFileReader::open(const QString& path)
     m_error.clear();
     m_header = EdfFileHeader();
     m_file.setFileName(path);
-    if (!m_file.open(QIODevice::ReadOnly))
+    // Unbuffered: every read is one record's part of one signal after a seek; a read-ahead
+    // buffer would be filled and thrown away each time.
+    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return refuse(QStringLiteral("cannot open the file: %1").arg(m_file.errorString()));
     const qint64 fileSize = m_file.size();
     const QByteArray fixed = m_file.read(256);
@@ -183,8 +185,14 @@ bool EdfFileReader::checkSizes(qint64 fileSize)
         if (m_recordBytes > MaxRecordBytes)
             return refuse(QStringLiteral("data record size above 10 MiB"));
     }
+    // Some converters mark files "EDF+C" without writing an annotation signal; their samples
+    // are sound, so such a file reads as plain EDF/BDF (no record times, no annotations).
     if (m_plus && !hasAnnotations)
-        return refuse(QStringLiteral("EDF+/BDF+ file without an annotation signal"));
+    {
+        kxDebug() << QString("EdfFileReader: %1 has no annotation signal; read as plain %2")
+                         .arg(m_file.fileName(), m_header.bdf ? QStringLiteral("BDF") : QStringLiteral("EDF"));
+        m_plus = false;
+    }
     const qint64 complete = (fileSize - m_header.headerBytes) / m_recordBytes;
     m_recordCount = m_header.recordCount;
     if (m_recordCount == -1 || m_recordCount > complete)

@@ -8,7 +8,8 @@
 #include <QFile>
 #include <QList>
 
-// Reads EDF, EDF+C, BDF and BDF+C files (EDF+D/BDF+D are refused). Every header field is
+// Reads EDF, EDF+C, BDF and BDF+C files (EDF+D/BDF+D are refused; an "EDF+C" without an
+// annotation signal reads as plain EDF). Every header field is
 // checked before anything is sized from it; a file that fails gives false and errorString().
 // A record count of -1, or a file shorter than the count says, reads every complete record.
 class EdfFileReader

@@ -13,7 +13,8 @@
 // return false with a console line; nothing throws.
 //
 // Crash safety: every record is flushed to the OS; the header's record count is -1 after
-// open and rewritten at least every 5 s of recording time, and exactly on close().
+// open and rewritten after each second of recording time (readers that trust the count lose
+// at most that), and exactly on close().
 class EdfFileWriter
 {
 public:
@@ -27,7 +28,7 @@ public:
     static constexpr int MaxAnnotationTextBytes = 256;
     static constexpr qint64 MaxRecordBytes = 10 * 1024 * 1024;
     static constexpr int MaxSignals = 4095; // plus the annotation signal
-    static constexpr qint64 CountUpdateTicks = 5 * 10000000LL;
+    static constexpr qint64 CountUpdateTicks = 10000000LL;
 
     EdfFileWriter() = default;
     ~EdfFileWriter();

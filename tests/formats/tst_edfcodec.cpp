@@ -236,12 +236,13 @@ void TestEdfCodec::unclosedAndTruncated()
     {
         EdfFileWriter w;
         QVERIFY(w.open(path, EdfFileWriter::Format::Bdf, identity(0, Second), {signal("Cz", 8, -10, 10, -100, 100)}));
-        for (int k = 0; k < 3; ++k)
+        QCOMPARE(readAll(path).mid(236, 8), QByteArray("-1      ")); // nothing recorded yet
+        for (int k = 0; k < 6; ++k)
+        {
             QVERIFY(w.writeRecord(QList<const float*>{values.data()}));
-        QCOMPARE(readAll(path).mid(236, 8), QByteArray("-1      ")); // not yet 5 s
-        for (int k = 0; k < 3; ++k)
-            QVERIFY(w.writeRecord(QList<const float*>{values.data()}));
-        QCOMPARE(readAll(path).mid(236, 8), QByteArray("5       ")); // rewritten after 5 s
+            // Rewritten after every second, so a killed recorder loses at most one.
+            QCOMPARE(readAll(path).mid(236, 8), EdfFieldText::fixed(QString::number(k + 1), 8));
+        }
         // The state of a crashed writer: count -1, every record on disk.
         QByteArray bytes = readAll(path);
         bytes.replace(236, 8, "-1      ");
@@ -291,7 +292,6 @@ void TestEdfCodec::badFiles_data()
     QTest::newRow("digital range") << base + 120 * ns << QByteArray("-40000  ") << "outside the format";
     QTest::newRow("no samples") << base + 216 * ns << QByteArray("0       ") << "invalid samples";
     QTest::newRow("huge record") << base + 216 * ns << QByteArray("9000000 ") << "10 MiB";
-    QTest::newRow("no annotation signal") << base + 16 << QByteArray("Other  ") << "without an annotation";
     QTest::newRow("unsigned onset") << 768 + 20 << QByteArray("0\x14\x14") << "invalid onset";
     QTest::newRow("no time-keeping") << 768 + 20 << QByteArray("+0\x14x\x14") << "time-keeping";
     QTest::newRow("bad duration") << 768 + 20 + 5 << QByteArray("+1\x15-2\x14x\x14") << "invalid duration";
@@ -362,6 +362,15 @@ void TestEdfCodec::foreignHeader()
     QVERIFY2(r.open(path), qPrintable(r.errorString()));
     QVERIFY(r.header().patient.startsWith(QStringLiteral("J\u00e9n")));
     QCOMPARE(r.header().startDateTime.date(), QDate(2000, 2, 29));
+
+    // "EDF+C" without an annotation signal (as some converters write): read as plain EDF.
+    file.replace(256 + 16, 15, "Other          ");
+    writeAll(path, file);
+    QVERIFY2(r.open(path), qPrintable(r.errorString()));
+    QVERIFY(!r.isPlus());
+    QCOMPARE(r.dataSignals(), (QList<int>{0, 1}));
+    QCOMPARE(r.readSignal(0).size(), 20);
+    QVERIFY(r.annotations().isEmpty());
 }
 
 void TestEdfCodec::writerRefuses()
