@@ -12,19 +12,22 @@ struct StandardRhythm
     float from;
     float to;
 };
-// Order matters: it is the order of the rhythm values everywhere they are listed.
+// Order matters: it is the order of the rhythm values everywhere they are listed, and each
+// analyzer holds the rhythms at these positions.
+enum RhythmPosition { Alpha, Beta, Theta, Delta, Gamma };
 constexpr StandardRhythm StandardRhythms[] = {
     { "alpha", 8, 14 }, { "beta", 14, 35 }, { "theta", 4, 8 }, { "delta", 0.5f, 4 }, { "gamma", 35, 50 },
 };
 
-StandartRhythmSample rhythmSample(const QMap<QString, float>& shares, qint64 now)
+// The analyzer's last shares of the standard rhythms, read by position: no map per step.
+StandartRhythmSample rhythmSample(const SpectrumAnalyzer& analyzer, qint64 now)
 {
     StandartRhythmSample sample;
-    sample.alpha = shares.value(QStringLiteral("alpha"), -1);
-    sample.beta = shares.value(QStringLiteral("beta"), -1);
-    sample.gamma = shares.value(QStringLiteral("gamma"), -1);
-    sample.delta = shares.value(QStringLiteral("delta"), -1);
-    sample.theta = shares.value(QStringLiteral("theta"), -1);
+    sample.alpha = analyzer.getLastRhythmShare(Alpha);
+    sample.beta = analyzer.getLastRhythmShare(Beta);
+    sample.theta = analyzer.getLastRhythmShare(Theta);
+    sample.delta = analyzer.getLastRhythmShare(Delta);
+    sample.gamma = analyzer.getLastRhythmShare(Gamma);
     sample.timestamp = now;
     return sample;
 }
@@ -69,6 +72,17 @@ void EngineMetering::startSpectrum(const QStringList& channelNames, float sampli
         analyzer->setWindowStep(stepSeconds);
         m_frequencyStep = analyzer->getFrequencyStep();
         m_analyzers.push_back(std::move(analyzer));
+    }
+    updateIndexBins();
+}
+
+// Every analyzer has the same bins, so each index's range maps to the same bin indexes in all.
+void EngineMetering::updateIndexBins()
+{
+    for (int index = 0; index < IndexCount; ++index) {
+        const auto [from, to] = m_ranges[index];
+        m_indexBins[index] = m_analyzers.empty() ? QPair<int, int>(0, 0)
+                                                 : m_analyzers.front()->rhythmArrayIndexes(float(from), float(to));
     }
 }
 
@@ -115,6 +129,7 @@ void EngineMetering::setRange(int index, double minimum, double maximum)
         return;
     const double low = std::max(0.5, minimum);
     m_ranges[index] = { low, std::max(low, maximum) };
+    updateIndexBins();
 }
 
 float EngineMetering::currentLevel(int index) const
@@ -202,11 +217,13 @@ bool EngineMetering::feedSpectra(const QList<QList<float>>& filtered, int offset
             continue;
         if (!produced) {
             produced = true;
+            // A new list: the previous one lives on in the histories.
             m_lastSpectrum = QList<QList<float>>(channels);
-            m_lastRhythms = QList<StandartRhythmSample>(channels);
+            m_lastRhythms.resize(channels);
+            std::fill(m_lastRhythms.begin(), m_lastRhythms.end(), StandartRhythmSample());
         }
         m_lastSpectrum[c] = spectrum;
-        m_lastRhythms[c] = rhythmSample(m_analyzers[size_t(c)]->getLastRhythms(), now);
+        m_lastRhythms[c] = rhythmSample(*m_analyzers[size_t(c)], now);
     }
     if (!produced)
         return false;
@@ -224,17 +241,17 @@ void EngineMetering::meterIndices(qint64 now, CortexDataResult& result)
 {
     for (int index = 0; index < IndexCount; ++index) {
         RhythmNormalizer& normalizer = m_normalizers[index];
-        const auto [from, to] = m_ranges[index];
+        const QPair<int, int>& bins = m_indexBins[index];
         int used = 0;
         for (int channel : std::as_const(m_indexChannels[index])) {
             if (channel >= 0 && size_t(channel) < m_analyzers.size()) {
-                normalizer.addPartialValue(100.0f * m_analyzers[size_t(channel)]->calculateCustomRhythm(float(from), float(to)));
+                normalizer.addPartialValue(100.0f * m_analyzers[size_t(channel)]->calculateCustomRhythm(bins));
                 ++used;
             }
         }
         if (used == 0) {
             for (const auto& analyzer : m_analyzers)
-                normalizer.addPartialValue(100.0f * analyzer->calculateCustomRhythm(float(from), float(to)));
+                normalizer.addPartialValue(100.0f * analyzer->calculateCustomRhythm(bins));
         }
         if (normalizer.addValueFromPartial(now)) {
             m_lastIndex[index] = normalizer.getLastValue();

@@ -71,6 +71,7 @@ private:
     void meterIndices(qint64 now, CortexDataResult& result);
     void runAlgorithms(QList<QList<float>>& filtered, bool newSpectrum, CortexDataResult& result);
     void cropHistories(qint64 now);
+    void updateIndexBins();
 
     std::vector<std::unique_ptr<SpectrumAnalyzer>> m_analyzers;
     float m_windowSeconds = 0;
@@ -87,6 +88,7 @@ private:
     RhythmNormalizer m_normalizers[IndexCount];
     QList<int> m_indexChannels[IndexCount];
     QPair<double, double> m_ranges[IndexCount] = { { 8.0, 14.0 }, { 14.0, 35.0 } };
+    QPair<int, int> m_indexBins[IndexCount]; // each range's bins (first, end excluded)
     RhythmNormSample m_lastIndex[IndexCount];
     QList<RhythmNormSample> m_indexGrab[IndexCount];
 

@@ -7,17 +7,11 @@ void SampleHistory::setMaxSamples(int maxSamples)
 {
     m_max = std::max(0, maxSamples);
     if (m_count > m_max) {
-        m_begin += m_count - m_max;
+        m_begin = int((size_t(m_begin) + size_t(m_count - m_max)) % m_buffer.size());
         m_count = m_max;
     }
-    const size_t capacity = size_t(m_max) + size_t(m_max / 4) + 64;
-    if (m_buffer.size() > capacity) {
-        if (m_count > 0)
-            std::memmove(m_buffer.data(), data(), size_t(m_count) * sizeof(float));
-        m_begin = 0;
-        m_buffer.resize(capacity);
-        m_buffer.shrink_to_fit();
-    }
+    if (m_buffer.size() > size_t(m_max))
+        reallocate(size_t(m_max));
 }
 
 void SampleHistory::append(const float* values, int count)
@@ -29,35 +23,43 @@ void SampleHistory::append(const float* values, int count)
         count = m_max;
         m_begin = 0;
         m_count = 0;
-    } else if (m_count + count > m_max) {
-        const int drop = m_count + count - m_max;
-        m_begin += drop;
-        m_count -= drop;
     }
-    makeRoom(count);
-    std::memcpy(m_buffer.data() + m_begin + m_count, values, size_t(count) * sizeof(float));
-    m_count += count;
+    const size_t needed = std::min(size_t(m_max), size_t(m_count) + size_t(count));
+    if (needed > m_buffer.size())
+        reallocate(std::min(size_t(m_max), std::max(needed, 2 * m_buffer.size())));
+
+    // Write after the newest value, wrapping round; once full this overwrites the oldest.
+    const size_t capacity = m_buffer.size();
+    const size_t end = (size_t(m_begin) + size_t(m_count)) % capacity;
+    const size_t first = std::min(size_t(count), capacity - end);
+    std::memcpy(m_buffer.data() + end, values, first * sizeof(float));
+    if (first < size_t(count))
+        std::memcpy(m_buffer.data(), values + first, (size_t(count) - first) * sizeof(float));
+    const size_t total = size_t(m_count) + size_t(count);
+    if (total > capacity) {
+        m_begin = int((size_t(m_begin) + total - capacity) % capacity);
+        m_count = int(capacity);
+    } else {
+        m_count = int(total);
+    }
 }
 
-void SampleHistory::makeRoom(int count)
+// The kept values in order into storage of `capacity` (at least the count) starting at 0.
+void SampleHistory::reallocate(size_t capacity)
 {
-    const size_t needed = size_t(m_begin) + size_t(m_count) + size_t(count);
-    if (needed <= m_buffer.size())
-        return;
-    const size_t capacity = size_t(m_max) + size_t(m_max / 4) + 64;
-    if (m_begin > 0 && size_t(m_count + count) <= m_buffer.size() && m_buffer.size() >= capacity) {
-        if (m_count > 0)
-            std::memmove(m_buffer.data(), data(), size_t(m_count) * sizeof(float));
-        m_begin = 0;
-        return;
-    }
-    // Still growing towards the full history: grow geometrically, compacting on the way.
-    const size_t grown = std::min(capacity, std::max(size_t(m_count + count), m_buffer.size() * 2));
-    std::vector<float> next(std::max(grown, size_t(m_count + count)));
-    if (m_count > 0)
-        std::memcpy(next.data(), data(), size_t(m_count) * sizeof(float));
+    std::vector<float> next(capacity);
+    copyOut(next.data());
     m_buffer.swap(next);
     m_begin = 0;
+}
+
+void SampleHistory::copyOut(float* out) const
+{
+    if (m_count == 0)
+        return;
+    const size_t first = std::min(size_t(m_count), m_buffer.size() - size_t(m_begin));
+    std::memcpy(out, m_buffer.data() + m_begin, first * sizeof(float));
+    std::memcpy(out + first, m_buffer.data(), (size_t(m_count) - first) * sizeof(float));
 }
 
 void SampleHistory::clear()
@@ -68,7 +70,9 @@ void SampleHistory::clear()
 
 QList<float> SampleHistory::toList() const
 {
-    return QList<float>(data(), data() + m_count);
+    QList<float> values(m_count);
+    copyOut(values.data());
+    return values;
 }
 
 QList<float> SampleHistory::take()

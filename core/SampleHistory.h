@@ -4,9 +4,9 @@
 
 #include <vector>
 
-// One channel's bounded history: keeps the newest `maxSamples` values. Cropping moves the
-// start instead of copying; the storage is compacted only when its slack runs out, so
-// appending stays O(1) amortised and memory stays within ~1.25x of the payload.
+// One channel's bounded history: keeps the newest `maxSamples` values. The storage grows
+// geometrically up to maxSamples values and is then used as a ring, so a full history costs
+// its payload and appending never moves what is kept.
 class SampleHistory
 {
 public:
@@ -17,16 +17,16 @@ public:
     void clear();
 
     int size() const { return m_count; }
-    const float* data() const { return m_buffer.data() + m_begin; }
     QList<float> toList() const;
     // Hands out the content and empties the history.
     QList<float> take();
 
 private:
-    void makeRoom(int count);
+    void reallocate(size_t capacity);
+    void copyOut(float* out) const;
 
     std::vector<float> m_buffer;
-    int m_begin = 0;
+    int m_begin = 0; // oldest value's slot
     int m_count = 0;
     int m_max = 0;
 };

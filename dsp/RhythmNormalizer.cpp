@@ -3,6 +3,8 @@
 #include "services/GlobalConsoleWriter.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -24,6 +26,32 @@ qint32 truncateLevel(float level)
 {
     constexpr float Largest = 2147483520.0f; // largest float below 2^31
     return qint32(std::min(level, Largest));
+}
+
+// `value` where `keep`, else +0, without a branch: which side of the mean a value lies on is
+// as good as random, so a branch would be mispredicted half the time.
+inline float keptOrZero(bool keep, float value)
+{
+    std::uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    bits &= 0u - std::uint32_t(keep);
+    float kept;
+    std::memcpy(&kept, &bits, sizeof kept);
+    return kept;
+}
+
+// Left-to-right sum of the values below `mean` (with Upper: at or above it) into `sum`; returns
+// their count. Adding +0 for the others changes nothing: the sum starts at +0 and so is never −0.
+template<bool Upper>
+int sumSide(const float* values, int count, float mean, float& sum)
+{
+    int selected = 0;
+    for (int i = 0; i < count; ++i) {
+        const bool taken = Upper ? values[i] >= mean : values[i] < mean;
+        sum += keptOrZero(taken, values[i]);
+        selected += int(taken);
+    }
+    return selected;
 }
 
 } // namespace
@@ -114,19 +142,14 @@ bool RhythmNormalizer::splitMean(int count, bool upper, float& result) const
     const qsizetype first = m_historyOfValues.size() - count;
     // Each term is divided before summing: this rounding decides which values fall on either
     // side of the mean, so the order of operations is part of the behaviour.
+    const float* history = m_historyOfValues.constData();
     float mean = 0;
     for (qsizetype i = first; i < m_historyOfValues.size(); ++i)
-        mean += m_historyOfValues[i] / divisor;
+        mean += history[i] / divisor;
 
     float sum = 0;
-    int selected = 0;
-    for (qsizetype i = first; i < m_historyOfValues.size(); ++i) {
-        const float v = m_historyOfValues[i];
-        if (upper ? v >= mean : v < mean) {
-            sum += v;
-            ++selected;
-        }
-    }
+    const int selected = upper ? sumSide<true>(history + first, count, mean, sum)
+                               : sumSide<false>(history + first, count, mean, sum);
     if (selected == 0)
         return false;
     result = sum / float(selected);

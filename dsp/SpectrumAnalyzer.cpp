@@ -2,9 +2,15 @@
 
 #include "services/GlobalConsoleWriter.h"
 
+#include <QMetaMethod>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
+
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
 
 namespace {
 
@@ -120,18 +126,120 @@ void runStages(const FftPlan& plan, int n, float* re, float* im)
     }
 }
 
-// Sum in double with four running partial sums, so the additions do not wait on each other.
-double sumOf(const float* values, int count)
+// Sum in double with sixteen running partial sums, so the additions do not wait on each other
+// and run as vector instructions.
+__attribute__((target_clones("avx2", "default"))) double sumOf(const float* values, int count)
 {
-    double partial[4] = { 0, 0, 0, 0 };
+    constexpr int Lanes = 16;
+    double partial[Lanes] = {};
     int i = 0;
-    for (; i + 4 <= count; i += 4) {
-        for (int k = 0; k < 4; ++k)
+    for (; i + Lanes <= count; i += Lanes) {
+        for (int k = 0; k < Lanes; ++k)
             partial[k] += values[i + k];
     }
     for (; i < count; ++i)
         partial[0] += values[i];
+    for (int width = Lanes / 2; width > 0; width /= 2) {
+        for (int k = 0; k < width; ++k)
+            partial[k] += partial[k + width];
+    }
+    return partial[0];
+}
+
+// Sum of values[first ... end − 1] in double, four running sums: a band's sum.
+double bandSum(const float* values, int first, int end)
+{
+    double partial[4] = { 0, 0, 0, 0 };
+    int i = first;
+    for (; i + 4 <= end; i += 4) {
+        for (int k = 0; k < 4; ++k)
+            partial[k] += values[i + k];
+    }
+    for (; i < end; ++i)
+        partial[0] += values[i];
     return (partial[0] + partial[1]) + (partial[2] + partial[3]);
+}
+
+// out = (block − mean) × gain, sample by sample.
+__attribute__((target_clones("avx2", "default"))) void centreAndTaper(const float* __restrict block, float mean,
+                                                                      const float* __restrict gains,
+                                                                      float* __restrict out, int count)
+{
+    for (int i = 0; i < count; ++i)
+        out[i] = (block[i] - mean) * gains[i];
+}
+
+// Twiddles of the step that turns the transform of n/2 packed sample pairs into the spectrum of
+// n real samples: make_w(k, n) for k = 0 ... n/4, real and imaginary parts apart.
+struct RealSplitPlan
+{
+    std::vector<float> re;
+    std::vector<float> im;
+};
+
+const RealSplitPlan& realSplitPlan(int bits)
+{
+    thread_local std::array<RealSplitPlan, 32> plans;
+    RealSplitPlan& plan = plans[size_t(bits)];
+    if (!plan.re.empty())
+        return plan;
+    const int n = 1 << bits;
+    plan.re.resize(size_t(n / 4 + 1));
+    plan.im.resize(size_t(n / 4 + 1));
+    for (int k = 0; k <= n / 4; ++k) {
+        SpectrumAnalyzer::Complex w;
+        SpectrumAnalyzer::make_w(k, n, w);
+        plan.re[size_t(k)] = w.real();
+        plan.im[size_t(k)] = w.imag();
+    }
+    return plan;
+}
+
+// Z = re + i·im is the transform of the `half` points x[2m] + i·x[2m + 1]. With P = Z[k],
+// Q = conj Z[half − k], E = P + Q and O = −i·(P − Q), twice the real signal's transform is
+// 2X[k] = E + W^k·O and 2X[half − k] = conj(E − W^k·O), W^k = make_w(k, 2·half); DC and
+// Nyquist come from Z[0] alone. Writes |2X[k]|² for k = 0 ... half.
+__attribute__((target_clones("avx2", "default"))) void splitSquares(const float* __restrict re,
+                                                                    const float* __restrict im,
+                                                                    const float* __restrict wr,
+                                                                    const float* __restrict wi, int half,
+                                                                    float* __restrict out)
+{
+    const float dc = 2.0f * (re[0] + im[0]);
+    const float nyquist = 2.0f * (re[0] - im[0]);
+    out[0] = dc * dc;
+    out[half] = nyquist * nyquist;
+    const int middle = half / 2;
+    for (int k = 1; k < middle; ++k) {
+        const int j = half - k;
+        const float er = re[k] + re[j], ei = im[k] - im[j];
+        const float dr = re[k] - re[j], di = im[k] + im[j];
+        const float tr = wr[k] * di + wi[k] * dr;
+        const float ti = wi[k] * di - wr[k] * dr;
+        const float ar = er + tr, ai = ei + ti;
+        const float br = er - tr, bi = ei - ti;
+        out[k] = ar * ar + ai * ai;
+        out[j] = br * br + bi * bi;
+    }
+    if (middle > 0) {
+        // Z[middle] pairs with itself: E = 2 Re Z, O = 2 Im Z.
+        const float er = 2.0f * re[middle], di = 2.0f * im[middle];
+        const float ar = er + wr[middle] * di, ai = wi[middle] * di;
+        out[middle] = ar * ar + ai * ai;
+    }
+}
+
+// values = scale × √values.
+void scaledRoots(float* values, int count, float scale)
+{
+    int i = 0;
+#if defined(__SSE2__)
+    const __m128 factor = _mm_set1_ps(scale);
+    for (; i + 4 <= count; i += 4)
+        _mm_storeu_ps(values + i, _mm_mul_ps(factor, _mm_sqrt_ps(_mm_loadu_ps(values + i))));
+#endif
+    for (; i < count; ++i)
+        values[i] = scale * std::sqrt(values[i]);
 }
 
 // Working arrays of the transforms of this thread.
@@ -342,6 +450,7 @@ void SpectrumAnalyzer::rebuildRhythmIndexes()
 
 void SpectrumAnalyzer::addRhythm(const SpectrumRhythm& rhythm)
 {
+    getLastRhythms(); // the pending map is built from the rhythms it was measured with
     m_rhythms.append(rhythm);
     m_rhythmIndexes.append({0, 0});
     indexRhythm(int(m_rhythms.size()) - 1);
@@ -367,17 +476,25 @@ QList<float> SpectrumAnalyzer::addDataSample(const QList<float>& samples)
 
 QList<float> SpectrumAnalyzer::addDataSample(const float* samples, int count)
 {
-    if (samples && count > 0)
+    if (samples && count > 0) {
+        // Consumed samples are dropped only once they outnumber the pending ones, so the
+        // buffer is moved rarely instead of on every step.
+        const size_t pending = m_buffer.size() - m_bufferStart;
+        if (m_bufferStart > 0 && m_bufferStart >= pending) {
+            m_buffer.erase(m_buffer.begin(), m_buffer.begin() + std::ptrdiff_t(m_bufferStart));
+            m_bufferStart = 0;
+        }
         m_buffer.insert(m_buffer.end(), samples, samples + count);
+    }
     const int n = m_windowSamples;
-    if (n < 1 || m_buffer.size() < size_t(n))
+    const size_t pending = m_buffer.size() - m_bufferStart;
+    if (n < 1 || pending < size_t(n))
         return {};
     // One spectrum per call even when several windows are buffered.
     if (n > 2)
-        computeSpectrum(m_buffer.data(), n);
+        computeSpectrum(m_buffer.data() + m_bufferStart, n);
     Q_EMIT spectrumCalculated(m_lastSpectrum);
-    const size_t drop = std::min(m_buffer.size(), size_t(std::max(0, m_stepSamples)));
-    m_buffer.erase(m_buffer.begin(), m_buffer.begin() + std::ptrdiff_t(drop));
+    m_bufferStart += std::min(pending, size_t(std::max(0, m_stepSamples)));
     return m_lastSpectrum;
 }
 
@@ -388,7 +505,6 @@ QList<float> SpectrumAnalyzer::calculateSpectrum(const QList<float>& block)
 
 void SpectrumAnalyzer::buildTaper(int length, int n)
 {
-    m_windowChanged = false;
     m_taper.resize(length);
     double sum = 0;
     for (int i = 0; i < length; ++i) {
@@ -399,115 +515,205 @@ void SpectrumAnalyzer::buildTaper(int length, int n)
     m_taperCorrection = n / ((n - length) + sum);
 }
 
-void SpectrumAnalyzer::prepareBlock(const float* block, int n)
+// Taper and amplitude correction folded into one factor per sample: 1 without a taper.
+void SpectrumAnalyzer::buildGains(int n)
 {
-    m_block.resize(n);
-    float* x = m_block.data();
-    const double mean = sumOf(block, n) / n;
-    for (int i = 0; i < n; ++i)
-        x[i] = float(block[i] - mean);
-
+    m_windowChanged = false;
+    m_gains.assign(size_t(n), 1.0f);
     const double p = std::min(0.5, std::max(0.0, double(m_percent) / 100.0));
     const int length = int(2.0 * n * p);
     if (length < 1 || length > n)
         return;
-    if (m_taper.isEmpty() || m_windowChanged || m_taper.size() != length)
-        buildTaper(length, n);
+    buildTaper(length, n);
     const double* w = m_taper.constData();
+    std::fill(m_gains.begin(), m_gains.end(), float(m_taperCorrection));
     const int head = length / 2;
     for (int i = 0; i < head; ++i)
-        x[i] = float(x[i] * w[i]);
-    float* tail = x + head + (n - length);
+        m_gains[size_t(i)] = float(w[i] * m_taperCorrection);
+    const int tail = head + (n - length);
     for (int i = 0; i < length - head; ++i)
-        tail[i] = float(tail[i] * w[head + i]);
-    for (int i = 0; i < n; ++i)
-        x[i] = float(x[i] * m_taperCorrection);
+        m_gains[size_t(tail + i)] = float(w[head + i] * m_taperCorrection);
 }
 
-QList<float> SpectrumAnalyzer::computeSpectrum(const float* block, int n)
+// The block, mean removed and tapered, into the first n of `size` work values; the rest stay 0.
+void SpectrumAnalyzer::prepareBlock(const float* block, int n, int size)
 {
-    m_lastSpectrum.clear();
-    if (n != m_windowSamples || n < 1 || !block)
-        return m_lastSpectrum;
-    prepareBlock(block, n);
+    if (m_windowChanged || m_gains.size() != size_t(n) || m_work.size() != size_t(size)) {
+        buildGains(n);
+        m_work.assign(size_t(size), 0.0f);
+    }
+    const double mean = sumOf(block, n) / n;
+    centreAndTaper(block, float(mean), m_gains.data(), m_work.data(), n);
+}
 
-    // The zero-padded real block goes straight into the transform's bit-reversed working
-    // arrays: the same values as converting it to complex points and transforming them.
-    const int size = std::max(m_nfft, n);
+// A real block's spectrum from half as many complex points: the samples are packed in pairs
+// into one complex transform of size / 2 points (the same stages and tables as `fft`), and
+// splitSquares untangles the two halves.
+void SpectrumAnalyzer::transformReal(int size, int bins)
+{
     const int bits = log2Exact(size);
-    if (bits < 0)
-        return m_lastSpectrum;
-    const FftPlan& plan = fftPlan(bits);
+    const int half = size / 2;
+    const FftPlan& plan = fftPlan(bits - 1);
+    const RealSplitPlan& split = realSplitPlan(bits);
+    FftScratch& scratch = fftScratch();
+    scratch.resize(half);
+    float* re = scratch.re.data();
+    float* im = scratch.im.data();
+    const float* x = m_work.data();
+    const int* reversed = plan.reversed.data();
+    for (int i = 0; i < half; ++i) {
+        const int from = 2 * reversed[i];
+        re[i] = x[from];
+        im[i] = x[from + 1];
+    }
+    runStages(plan, half, re, im);
+    // Exactly the bins: a plain resize would round the allocation up to nearly twice that,
+    // and callers keep many spectra.
+    m_lastSpectrum.reserve(bins);
+    m_lastSpectrum.resize(bins);
+    float* amplitudes = m_lastSpectrum.data();
+    splitSquares(re, im, split.re.data(), split.im.data(), half, amplitudes);
+    // The squares are of twice the transform: 2|X|/n = |2X|/n.
+    scaledRoots(amplitudes, bins, 1.0f / float(m_windowSamples));
+}
+
+// The zero-padded block as complex points through the transform's bit-reversed working arrays:
+// the same values as converting it with ConvertDataForFFt and calling fft.
+void SpectrumAnalyzer::transformComplex(int size, int bins)
+{
+    const FftPlan& plan = fftPlan(log2Exact(size));
     FftScratch& scratch = fftScratch();
     scratch.resize(size);
     float* re = scratch.re.data();
     float* im = scratch.im.data();
-    const float* x = m_block.constData();
+    const float* x = m_work.data();
     const int* reversed = plan.reversed.data();
     for (int i = 0; i < size; ++i) {
-        const int from = reversed[i];
-        re[i] = from < n ? x[from] : 0.0f;
+        re[i] = x[reversed[i]];
         im[i] = 0.0f;
     }
     runStages(plan, size, re, im);
-
-    const qsizetype bins = std::min<qsizetype>(m_frequencies.size(), size);
+    m_lastSpectrum.reserve(bins);
     m_lastSpectrum.resize(bins);
     float* amplitudes = m_lastSpectrum.data();
-    const float scale = 2.0f / float(n);
-    for (qsizetype k = 0; k < bins; ++k)
+    const float scale = 2.0f / float(m_windowSamples);
+    for (int k = 0; k < bins; ++k)
         amplitudes[k] = scale * std::sqrt(re[k] * re[k] + im[k] * im[k]);
-    m_lastRhythms = calculateRhythms(m_lastSpectrum);
-    Q_EMIT spectrumRhythmsCalculated(m_lastRhythms);
+}
+
+QList<float> SpectrumAnalyzer::computeSpectrum(const float* block, int n)
+{
+    // A spectrum still shared with a caller is let go rather than cleared: clearing would
+    // allocate a copy-sized buffer just to replace it.
+    if (m_lastSpectrum.isDetached())
+        m_lastSpectrum.clear();
+    else
+        m_lastSpectrum = QList<float>();
+    if (n != m_windowSamples || n < 1 || !block)
+        return m_lastSpectrum;
+    const int size = std::max(m_nfft, n);
+    if (log2Exact(size) < 0)
+        return m_lastSpectrum;
+    prepareBlock(block, n, size);
+    const int bins = int(std::min<qsizetype>(m_frequencies.size(), size));
+    if (size >= 4 && bins == size / 2 + 1)
+        transformReal(size, bins);
+    else
+        transformComplex(size, bins);
+
+    m_lastSharesValid = measureRhythms(m_lastSpectrum);
+    m_lastRhythmsStale = true;
+    // The map costs more than the spectrum's bookkeeping: built only for listeners.
+    static const QMetaMethod rhythmsSignal = QMetaMethod::fromSignal(&SpectrumAnalyzer::spectrumRhythmsCalculated);
+    if (isSignalConnected(rhythmsSignal))
+        Q_EMIT spectrumRhythmsCalculated(getLastRhythms());
     return m_lastSpectrum;
 }
 
-QMap<QString, float> SpectrumAnalyzer::calculateRhythms(const QList<float>& spectrum)
+// Shares of the rhythms in `spectrum` into m_lastShares and its total into m_lastTotal; false,
+// with both left as they were, when there are none.
+bool SpectrumAnalyzer::measureRhythms(const QList<float>& spectrum)
 {
     const int m = int(spectrum.size());
     m_lastRhythmsValues.clear();
     if (m_globalStart < 0 || m_globalStart >= m || m_globalEnd < 0 || m_globalEnd >= m)
-        return {};
-    const float total = float(sumOf(spectrum.constData(), m));
+        return false;
+    const float* bins = spectrum.constData();
+    const float total = float(sumOf(bins, m));
     if (m_outputRhythmsValues)
         m_lastRhythmsValues.insert(QStringLiteral("sum"), spectrum);
     if (!(total > 0))
-        return {};
-    QMap<QString, float> result;
+        return false;
+    m_lastShares.assign(size_t(m_rhythms.size()), -1.0f);
+    m_lastSharePresent.assign(size_t(m_rhythms.size()), false);
     for (int r = 0; r < m_rhythms.size(); ++r) {
         const int first = m_rhythmIndexes[r].first;
         const int end = m_rhythmIndexes[r].second;
         if (first < 0 || first >= m || end < 0 || end >= m || first >= end)
             continue;
-        double band = 0;
-        for (int i = first; i < end; ++i)
-            band += spectrum[i];
-        result.insert(m_rhythms[r].name, float(band * 100.0 / total));
+        m_lastShares[size_t(r)] = float(bandSum(bins, first, end) * 100.0 / total);
+        m_lastSharePresent[size_t(r)] = true;
         if (m_outputRhythmsValues)
             m_lastRhythmsValues.insert(m_rhythms[r].name, spectrum.mid(first, end - first));
     }
     m_lastTotal = total;
-    result.insert(QStringLiteral("sum"), total);
-    m_lastRhythms = result;
-    return result;
+    m_lastSharesTotal = total;
+    return true;
+}
+
+QMap<QString, float> SpectrumAnalyzer::calculateRhythms(const QList<float>& spectrum)
+{
+    if (!measureRhythms(spectrum))
+        return {};
+    m_lastSharesValid = true;
+    m_lastRhythmsStale = true;
+    return getLastRhythms();
+}
+
+QMap<QString, float> SpectrumAnalyzer::getLastRhythms() const
+{
+    if (m_lastRhythmsStale) {
+        m_lastRhythmsStale = false;
+        m_lastRhythms.clear();
+        if (m_lastSharesValid) {
+            for (size_t r = 0; r < m_lastShares.size(); ++r) {
+                if (m_lastSharePresent[r])
+                    m_lastRhythms.insert(m_rhythms[qsizetype(r)].name, m_lastShares[r]);
+            }
+            m_lastRhythms.insert(QStringLiteral("sum"), m_lastSharesTotal);
+        }
+    }
+    return m_lastRhythms;
+}
+
+float SpectrumAnalyzer::getLastRhythmShare(int index) const
+{
+    if (!m_lastSharesValid || index < 0 || size_t(index) >= m_lastShares.size() || !m_lastSharePresent[size_t(index)])
+        return -1.0f;
+    return m_lastShares[size_t(index)];
 }
 
 float SpectrumAnalyzer::calculateCustomRhythm(float from, float to)
 {
     if (m_lastSpectrum.isEmpty())
         return 0;
-    const qsizetype bins = m_lastSpectrum.size();
-    const QPair<int, int> indexes = rhythmArrayIndexes(from, to);
-    double band = 0;
-    for (qsizetype i = indexes.first; i < std::min<qsizetype>(indexes.second, bins); ++i)
-        band += m_lastSpectrum[i];
+    return calculateCustomRhythm(rhythmArrayIndexes(from, to));
+}
+
+float SpectrumAnalyzer::calculateCustomRhythm(const QPair<int, int>& indexes)
+{
+    if (m_lastSpectrum.isEmpty())
+        return 0;
+    const float* bins = m_lastSpectrum.constData();
+    const int count = int(m_lastSpectrum.size());
+    const double band = bandSum(bins, std::max(0, indexes.first), std::min(indexes.second, count));
     double total = m_lastTotal;
     if (total == 0) {
         // Without a total from calculateRhythms an integer mean stands in, by design: a running
         // sum truncated at every step, integer-divided by the bin count.
-        for (float value : m_lastSpectrum)
-            total = std::trunc(total + value);
-        total = std::trunc(total / double(bins));
+        for (int i = 0; i < count; ++i)
+            total = std::trunc(total + bins[i]);
+        total = std::trunc(total / double(count));
     }
     return total == 0 ? 0.0f : float(band / total);
 }

@@ -69,12 +69,15 @@ public:
     int getStepSamples() const { return m_stepSamples; }
     int getSmoothingLength() const { return m_smoothingLength; }
     int getNFFT() const { return m_nfft; }
-    int getBufferedSampleCount() const { return int(m_buffer.size()); }
+    int getBufferedSampleCount() const { return int(m_buffer.size() - m_bufferStart); }
     QList<float> getFrequencies() const { return m_frequencies; }
     float getFrequencyStep() const;
     QList<float> getLastSpectrum() const { return m_lastSpectrum; }
     float getLastTotal() const { return m_lastTotal; }
-    QMap<QString, float> getLastRhythms() const { return m_lastRhythms; }
+    QMap<QString, float> getLastRhythms() const;
+    // The last rhythm value of the rhythm at `index` (insertion order) without building the
+    // map: -1 where getLastRhythms() has no entry for it.
+    float getLastRhythmShare(int index) const;
     QMap<QString, QList<float>> getLastRhythmsValues() const { return m_lastRhythmsValues; }
 
     // Rhythms, in insertion order, and their (first, end) bin indexes; the end bin is excluded.
@@ -98,6 +101,8 @@ public:
     QMap<QString, float> calculateRhythms(const QList<float>& spectrum);
     // Sum of the last spectrum's bins from `from` to `to` as a fraction of the last total.
     float calculateCustomRhythm(float from, float to);
+    // The same for bins already looked up with rhythmArrayIndexes (first, end excluded).
+    float calculateCustomRhythm(const QPair<int, int>& bins);
     // Amplitude-weighted mean frequency of the rhythm's bins in the last spectrum; 0 when the
     // rhythm is unknown or its bins sum to 0.
     float calcWeightedAverageFrequency(const QString& rhythm) const;
@@ -115,8 +120,12 @@ private:
     void indexRhythm(int index);
     int rhythmIndex(const QString& name) const;
     QList<float> computeSpectrum(const float* block, int n);
-    void prepareBlock(const float* block, int n);
+    void prepareBlock(const float* block, int n, int size);
     void buildTaper(int length, int n);
+    void buildGains(int n);
+    void transformReal(int size, int bins);
+    void transformComplex(int size, int bins);
+    bool measureRhythms(const QList<float>& spectrum);
 
     QString m_channelName;
     QList<SpectrumRhythm> m_rhythms;
@@ -124,7 +133,8 @@ private:
     int m_globalStart = 0;
     int m_globalEnd = 0;
     QList<float> m_frequencies;
-    std::vector<float> m_buffer;
+    std::vector<float> m_buffer; // samples from m_bufferStart on are pending
+    size_t m_bufferStart = 0;
     QList<float> m_lastSpectrum;
     float m_lastTotal = 0;
     float m_sampleRate = 0;
@@ -134,7 +144,14 @@ private:
     float m_percent = 0;
     int m_stepSamples = 0;
     int m_smoothingLength = 0;
-    QMap<QString, float> m_lastRhythms;
+    // The last rhythm values as numbers per rhythm (-1: none); the map form is built from
+    // them only when asked for, as few callers need it.
+    std::vector<float> m_lastShares;
+    std::vector<bool> m_lastSharePresent;
+    float m_lastSharesTotal = 0;
+    bool m_lastSharesValid = false;
+    mutable QMap<QString, float> m_lastRhythms;
+    mutable bool m_lastRhythmsStale = false;
     QMap<QString, QList<float>> m_lastRhythmsValues;
     int m_nfft = 256;
     bool m_outputRhythmsValues = false;
@@ -142,6 +159,8 @@ private:
     QList<double> m_taper;
     double m_taperCorrection = 1;
 
-    // Work buffers reused from spectrum to spectrum.
-    QList<float> m_block;
+    // Work buffers reused from spectrum to spectrum: the tapered block zero-padded to the FFT
+    // size, and per sample the taper times its amplitude correction.
+    std::vector<float> m_work;
+    std::vector<float> m_gains;
 };

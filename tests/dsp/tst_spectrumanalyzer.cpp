@@ -42,6 +42,36 @@ QList<Complex> referenceFft(const QList<Complex>& x)
     return out;
 }
 
+// The spectrum by the documented route, taper in double: mean removed, Tukey taper with its
+// amplitude correction, zero padding, ConvertDataForFFt, fft, 2|X|/n.
+QList<float> literalSpectrum(const QList<float>& block, double percent, int nfft)
+{
+    const int n = int(block.size());
+    double mean = 0;
+    for (float x : block)
+        mean += x;
+    mean /= n;
+    const int length = int(2.0 * n * std::min(0.5, percent / 100));
+    QList<double> w(length);
+    double sum = 0;
+    for (int i = 0; i < length; ++i)
+        sum += w[i] = 0.5 * (1 - std::cos(2 * M_PI * i / length));
+    const double correction = length >= 1 ? n / ((n - length) + sum) : 1.0;
+    const int head = length / 2, tail = n - (length - head); // flanks: [0, head) and [tail, n)
+    QList<float> x(n);
+    for (int i = 0; i < n; ++i) {
+        const double taper = i < head ? w[i] : i >= tail ? w[head + i - tail] : 1.0;
+        x[i] = float((block[i] - mean) * taper * correction);
+    }
+    QList<Complex> points, spectrum;
+    SpectrumAnalyzer::ConvertDataForFFt(nfft, x, points);
+    SpectrumAnalyzer::fft(nfft, points, spectrum);
+    QList<float> amplitudes(nfft / 2 + 1);
+    for (int k = 0; k < amplitudes.size(); ++k)
+        amplitudes[k] = float(2 * std::abs(std::complex<double>(spectrum[k])) / n);
+    return amplitudes;
+}
+
 } // namespace
 
 class TestSpectrumAnalyzer : public QObject
@@ -52,6 +82,18 @@ class TestSpectrumAnalyzer : public QObject
     void configure(float rate, float window, float step, float percent)
     {
         a->setDataFrequency(rate), a->setWindowSize(window), a->setWindowStep(step), a->setSmoothingWindowPercent(percent);
+    }
+
+    bool sharesMatchMap() const
+    {
+        const QMap<QString, float> map = a->getLastRhythms();
+        const QList<SpectrumRhythm> rhythms = a->getRhythms();
+        for (int r = 0; r < rhythms.size(); ++r) {
+            const float share = a->getLastRhythmShare(r);
+            if (!(share == map.value(rhythms[r].name, -1.0f)))
+                return false;
+        }
+        return true;
     }
 
 private Q_SLOTS:
@@ -146,6 +188,85 @@ private Q_SLOTS:
         // No rhythms, so no total: a running sum truncated at every bin (0.6 -> 0, + 513.5 -> 513,
         // + 0.6 -> 513), integer-divided by the 257 bins, is 1.
         QVERIFY(std::fabs(a->calculateCustomRhythm(8, 12) - 514.7f) < 0.01);
+    }
+
+    // Spectra come from a transform of half as many complex points (the samples packed in
+    // pairs); they must match the literal complex route down to rounding, for odd and tiny
+    // windows too.
+    void realInputMatchesComplexRoute()
+    {
+        std::mt19937 random(11);
+        std::normal_distribution<float> noise(0, 10);
+        // rate, percent: N = 1, 2, 3 (nfft 4), 5, 8, 100 at 0.1 s; then 1000 padded to 1024.
+        const std::tuple<float, float, float> cases[] = {{10, 0.1f, 0},   {20, 0.1f, 50}, {30, 0.1f, 25},
+                                                         {50, 0.1f, 10},  {80, 0.1f, 0},  {1000, 0.1f, 10},
+                                                         {250, 4, 10},    {256, 4, 50}};
+        for (const auto& [rate, window, percent] : cases) {
+            configure(rate, window, 1, percent);
+            QList<float> block(a->getWindowSamples());
+            for (float& x : block)
+                x = 40 + noise(random);
+            const QList<float> ours = a->calculateSpectrum(block);
+            const QList<float> expected = literalSpectrum(block, percent, a->getNFFT());
+            QCOMPARE(ours.size(), expected.size());
+            double peak = 0, worst = 0;
+            for (int k = 0; k < ours.size(); ++k) {
+                peak = std::max(peak, double(expected[k]));
+                worst = std::max(worst, std::fabs(double(ours[k]) - expected[k]));
+            }
+            QVERIFY2(worst <= 1e-5 * peak, qPrintable(QString("N = %1: %2 of %3").arg(block.size()).arg(worst).arg(peak)));
+        }
+    }
+
+    // A long stream in blocks smaller than a step: every spectrum is exactly that of its own
+    // window, however the buffer keeps the samples between steps.
+    void slidingWindows()
+    {
+        configure(100, 1, 0.13f, 10); // N = 100, step 13
+        SpectrumAnalyzer reference;
+        reference.setDataFrequency(100), reference.setWindowSize(1), reference.setSmoothingWindowPercent(10);
+        const QList<float> stream = sines(100, 2000, {{7, 3}, {19, 1}}, 2);
+        int produced = 0;
+        for (int i = 0; i < stream.size(); i += 7) {
+            const QList<float> s = a->addDataSample(stream.constData() + i, std::min(7, int(stream.size()) - i));
+            if (s.isEmpty())
+                continue;
+            QCOMPARE(s, reference.calculateSpectrum(stream.mid(produced * 13, 100)));
+            ++produced;
+        }
+        QCOMPARE(produced, 1900 / 13 + 1);
+        QCOMPARE(a->getBufferedSampleCount(), 2000 - produced * 13);
+    }
+
+    // The per-rhythm values and the map agree in every state: before any spectrum, after
+    // one with rhythms, after one without (zero total), after a direct calculateRhythms that
+    // fails (nothing changes) and after a rhythm is added (the map keeps what was measured).
+    void rhythmValuesAndMapAgree()
+    {
+        a->addRhythm("a", 8, 13);
+        a->addRhythm("b", 13, 20);
+        a->addRhythm("beyond", 30, 80);
+        configure(128, 4, 1, 0);
+        QSignalSpy emitted(a.get(), &SpectrumAnalyzer::spectrumRhythmsCalculated);
+        QVERIFY(sharesMatchMap());
+        a->calculateSpectrum(sines(128, 512, {{9, 2}, {15, 1}}));
+        QVERIFY(sharesMatchMap());
+        QCOMPARE(a->getLastRhythms().keys(), (QStringList{"a", "b", "sum"}));
+        QCOMPARE((emitted.last().at(0).value<QMap<QString, float>>()), a->getLastRhythms());
+        QCOMPARE(a->getLastRhythmShare(2), -1.0f); // skipped: its band ends beyond the bins
+        const QMap<QString, float> measured = a->getLastRhythms();
+        QVERIFY(a->calculateRhythms(QList<float>(10, 1.0f)).isEmpty()); // too short
+        QCOMPARE(a->getLastRhythms(), measured);
+        QVERIFY(sharesMatchMap());
+        a->calculateSpectrum(QList<float>(512, 3.0f)); // a constant: total 0, no rhythms
+        QVERIFY(a->getLastRhythms().isEmpty() && sharesMatchMap());
+        QVERIFY((emitted.last().at(0).value<QMap<QString, float>>().isEmpty()));
+        const QMap<QString, float> direct = a->calculateRhythms(sines(128, 512, {{10, 1}}).mid(0, 257));
+        QCOMPARE(a->getLastRhythms(), direct);
+        a->addRhythm("c", 1, 2);
+        QCOMPARE(a->getLastRhythms(), direct);
+        QCOMPARE(a->getLastRhythmShare(3), -1.0f);
+        QVERIFY(sharesMatchMap());
     }
 
     // Bit for bit the reference above, also in place, and close to a direct DFT in double.
