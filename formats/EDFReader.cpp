@@ -104,7 +104,12 @@ void EDFReader::readHeaderFacts()
     const EdfFileHeader& h = m_reader.header();
     m_startDate = h.startDateTime.addMSecs(m_reader.startOffsetTicks() / 10000);
     m_channels = m_reader.dataSignals();
-    m_seconds = double(m_reader.recordCount() * h.recordDurationTicks / TicksPerSecond);
+    // Whole seconds, split so that a long record duration times many records (both taken
+    // from the file) cannot overflow: the 8-character duration field keeps whole seconds
+    // per record below 10^8.
+    const qint64 records = m_reader.recordCount();
+    const qint64 ticks = h.recordDurationTicks;
+    m_seconds = double(records * (ticks / TicksPerSecond) + records * (ticks % TicksPerSecond) / TicksPerSecond);
 
     m_patientName = h.patient;
     if (m_reader.isPlus())
@@ -271,7 +276,10 @@ QMap<qint64, QString> EDFReader::getAnnotations() const
 
 QString EDFReader::timeToText(double seconds, bool withMs)
 {
-    const qint64 ms = qint64(std::max(seconds, 0.0) * 1000.0 + 0.5);
+    // NaN and negative times show as 0; the cap (about 31 700 years) keeps the
+    // conversion to whole milliseconds defined.
+    const double shown = seconds > 0.0 ? std::min(seconds, 1e12) : 0.0;
+    const qint64 ms = qint64(shown * 1000.0 + 0.5);
     const qint64 s = ms / 1000;
     QString text = QString("%1:%2:%3")
                        .arg(s / 3600, 2, 10, QLatin1Char('0'))
