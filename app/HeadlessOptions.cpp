@@ -33,8 +33,10 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
                 return false;
             const bool file = options.device.endsWith(QLatin1String(".edf"), Qt::CaseInsensitive)
                 || options.device.endsWith(QLatin1String(".bdf"), Qt::CaseInsensitive);
-            if (options.device != QLatin1String("generator") && !file) {
-                error = QStringLiteral("unknown device '%1' (generator, or an .edf or .bdf file)").arg(options.device);
+            if (options.device != QLatin1String("generator") && options.device != QLatin1String("headset-sim")
+                && !file) {
+                error = QStringLiteral("unknown device '%1' (generator, headset-sim, or an .edf or .bdf file)")
+                            .arg(options.device);
                 return false;
             }
         } else if (argument == QLatin1String("--duration")) {
@@ -65,6 +67,17 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
         } else if (argument == QLatin1String("--csv-metrics")) {
             if (!takeValue(arguments, i, options.csvMetricsPath, error))
                 return false;
+        } else if (argument == QLatin1String("--api-port")) {
+            if (!takeValue(arguments, i, value, error))
+                return false;
+            bool ok = false;
+            options.apiPort = value.toInt(&ok);
+            if (!ok || options.apiPort < 1 || options.apiPort > 65535) {
+                error = QStringLiteral("--api-port needs a port from 1 to 65535, not '%1'").arg(value);
+                return false;
+            }
+        } else if (argument == QLatin1String("--no-api")) {
+            options.noApi = true;
         } else if (argument == QLatin1String("--set")) {
             if (!takeValue(arguments, i, value, error))
                 return false;
@@ -79,7 +92,8 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
             return false;
         }
     }
-    if (options.speed != 1 && options.device == QLatin1String("generator")) {
+    if (options.speed != 1
+        && (options.device == QLatin1String("generator") || options.device == QLatin1String("headset-sim"))) {
         error = QStringLiteral("--speed applies to a recording played with --device FILE");
         return false;
     }
@@ -92,9 +106,10 @@ QString HeadlessOptions::usage()
         "Usage: orvexpro --headless [options]\n"
         "Streams an EEG device through the engine without a window.\n"
         "\n"
-        "  --device generator|FILE.edf|FILE.bdf\n"
-        "                       the device to stream: the signal generator (default) or a\n"
-        "                       recording played in real time, looping\n"
+        "  --device generator|headset-sim|FILE.edf|FILE.bdf\n"
+        "                       the device to stream: the signal generator (default), a\n"
+        "                       simulated Bluetooth headset (faults: the HeadsetSim...\n"
+        "                       settings), or a recording played in real time, looping\n"
         "  --speed FACTOR       playback speed of a recording: 1 real time (default), 0 every\n"
         "                       sample once as fast as possible, then exit\n"
         "  --duration SECONDS   stop, close the files and exit 0 after that much streaming\n"
@@ -104,6 +119,9 @@ QString HeadlessOptions::usage()
         "  --csv PATH           write the filtered montage channels as CSV while streaming\n"
         "  --csv-metrics PATH   write one CSV row per spectrum step: every channel's rhythm\n"
         "                       shares, meditation, concentration and the custom algorithms\n"
+        "  --api-port N         answer API commands over HTTP on port N (default: the APIPort\n"
+        "                       setting, 2336); WebSocket clients connect on port 1336\n"
+        "  --no-api             do not open the command interface\n"
         "  --set Key=Value      change a setting for this run (repeatable; see --print-settings)\n"
         "  --print-settings     print every setting with its type, value and range as JSON\n"
         "  --verbose            echo the engine's console on stderr\n"

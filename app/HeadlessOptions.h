@@ -20,6 +20,8 @@ struct HeadlessOptions
     QString csvMetricsPath;
     QString recordPath; // empty: no recording
     bool record = false;
+    int apiPort = 0;     // 0: the APIPort setting
+    bool noApi = false;
     QList<QPair<QString, QString>> settings; // --set Key=Value, in order
 
     // Fills `options` from the arguments (program name first); false with `error` set when

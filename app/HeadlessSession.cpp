@@ -3,9 +3,11 @@
 #include "app/OrvexModel.h"
 #include "core/CortexCore.h"
 #include "devices/EDFVirtualDevice.h"
+#include "devices/SimulatedHeadset.h"
 #include "settings/VirtualDevicesSettings.h"
 #include "dsp/CustomBCIAlgorithm.h"
 
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QTimer>
 
@@ -21,7 +23,10 @@ HeadlessSession::HeadlessSession(OrvexModel* model, const HeadlessOptions& optio
 bool HeadlessSession::start(QString& error)
 {
     CortexCore* engine = m_model->engine();
-    if (!(m_options.device == QLatin1String("generator") ? startGenerator(error) : startFilePlayer(error)))
+    const bool started = m_options.device == QLatin1String("generator") ? startGenerator(error)
+        : m_options.device == QLatin1String("headset-sim")               ? startHeadsetSimulator(error)
+                                                                         : startFilePlayer(error);
+    if (!started)
         return false;
 
     m_samplingRate = engine->getCurrentDeviceFrequency();
@@ -73,6 +78,42 @@ bool HeadlessSession::startGenerator(QString& error)
     error = QStringLiteral("the signal generator cannot start: it is switched off "
                            "(GeneratorEnabled) or has no channel names (GeneratorChannelNames)");
     return false;
+}
+
+// The simulated headset replaces the Bluetooth search: the engine finds it, makes its device
+// and starts it at its channel mode's rate, and reconnects to it like to a real one.
+bool HeadlessSession::startHeadsetSimulator(QString& error)
+{
+    CortexCore* engine = m_model->engine();
+    auto* headset = new SimulatedHeadset(m_model->virtualDevicesSettings(), engine);
+    engine->setDeviceDiscovery(headset);
+    engine->setHeadsetFactory([headset](const QBluetoothDeviceInfo& info, QObject* owner) {
+        return headset->createDevice(info, owner);
+    });
+    QEventLoop wait;
+    DeviceInfo found;
+    const auto onFound = connect(engine, &CortexCore::deviceFound, &wait, [&](const DeviceInfo& info) {
+        if (info.name == headset->advertisedName()) {
+            found = info;
+            wait.quit();
+        }
+    });
+    QTimer::singleShot(SearchTimeoutMs, &wait, &QEventLoop::quit);
+    engine->startDeviceSearch();
+    if (found.name.isEmpty())
+        wait.exec();
+    disconnect(onFound);
+    if (found.name.isEmpty()) {
+        error = QStringLiteral("the simulated headset '%1' is not a headset name the engine accepts (HeadsetSimName)")
+                    .arg(headset->advertisedName());
+        return false;
+    }
+    if (!engine->startDevice(found, {}, -1)) {
+        error = QStringLiteral("the simulated headset '%1' cannot start: its channel count has no channel mode")
+                    .arg(found.name);
+        return false;
+    }
+    return true;
 }
 
 bool HeadlessSession::startFilePlayer(QString& error)

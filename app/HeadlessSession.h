@@ -30,6 +30,7 @@ Q_SIGNALS:
 private:
     bool startGenerator(QString& error);
     bool startFilePlayer(QString& error);
+    bool startHeadsetSimulator(QString& error);
     void pushFileBlocks();
     bool openMetrics(QString& error);
     void onData(QList<QList<float>> block);
@@ -38,6 +39,7 @@ private:
 
     // A device that stops delivering must not keep a timed run alive for ever.
     static constexpr int StallGraceMs = 10000;
+    static constexpr int SearchTimeoutMs = 3000;
 
     OrvexModel* m_model;
     HeadlessOptions m_options;

@@ -1,61 +1,91 @@
 #include "app/OrvexModel.h"
 
 #include "core/CortexCore.h"
+#include "server/CommandReferencePage.h"
+#include "server/OrvexDataServer.h"
+#include "server/StaticWebFolder.h"
+#include "server/UserAccountStore.h"
 #include "services/GlobalConsole.h"
 #include "settings/MetaDescription.h"
 #include "settings/OrvexSettings.h"
 #include "settings/VirtualDevicesSettings.h"
 
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QTimer>
+
+namespace {
+// The feedback screens a user can switch between; the first is shown at start.
+const QStringList FeedbackScreens = { QStringLiteral("bars"), QStringLiteral("balloon"), QStringLiteral("spectrum") };
+}
+
 OrvexModel::OrvexModel(QObject* parent)
-    : QObject(parent)
+    : DataServerContext(parent)
     , m_settings(new OrvexSettings(this))
     , m_virtualDevices(new VirtualDevicesSettings(this))
-    , m_engine(new CortexCore(this))
+    , m_accounts(new UserAccountStore(UserAccountStore::defaultFilePath(), this))
+    , m_feedbackScreen(FeedbackScreens.first())
 {
     CortexCore::Use_FIR = m_settings->getUseFIR();
-    m_engine->setFilters(m_settings->getHPF(), m_settings->getLPF(), m_settings->getBSF(), m_settings->getBSF2());
-    m_engine->setHPFOrder(m_settings->getHPFOrder(), false);
-    m_engine->setLPFOrder(m_settings->getLPFOrder(), false);
-    m_engine->setStorageTimeSeconds(m_settings->getStorageTime());
-    m_engine->setVirtualDeviceSettings(m_virtualDevices);
-    applyRecordingSettings();
+    const int nodes = qMax(1, m_settings->getEngineNodes());
+    for (int i = 0; i < nodes; ++i)
+        m_engines.append(createEngine());
     GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
 
     connect(m_settings, &KxSettings::settingChanged, this, &OrvexModel::applyEngineSetting);
-    connect(m_engine, &CortexCore::deviceStarted, this, &OrvexModel::startMetering);
-    connect(m_virtualDevices, &KxSettings::settingChanged, this,
-            [this] { m_engine->setVirtualDeviceSettings(m_virtualDevices); });
+    connect(m_virtualDevices, &KxSettings::settingChanged, this, [this] {
+        for (CortexCore* engine : qAsConst(m_engines))
+            engine->setVirtualDeviceSettings(m_virtualDevices);
+    });
+}
+
+OrvexModel::~OrvexModel() = default;
+
+CortexCore* OrvexModel::createEngine()
+{
+    auto* engine = new CortexCore(this);
+    engine->setFilters(m_settings->getHPF(), m_settings->getLPF(), m_settings->getBSF(), m_settings->getBSF2());
+    engine->setHPFOrder(m_settings->getHPFOrder(), false);
+    engine->setLPFOrder(m_settings->getLPFOrder(), false);
+    engine->setStorageTimeSeconds(m_settings->getStorageTime());
+    engine->setVirtualDeviceSettings(m_virtualDevices);
+    applyRecordingSettings(engine);
+    connect(engine, &CortexCore::deviceStarted, this, [this, engine] { startMetering(engine); });
+    return engine;
 }
 
 void OrvexModel::applyEngineSetting(const QString& name)
 {
-    if (name == QLatin1String("HPF"))
-        m_engine->setHPF(m_settings->getHPF(), true);
-    else if (name == QLatin1String("LPF"))
-        m_engine->setLPF(m_settings->getLPF(), true);
-    else if (name == QLatin1String("BSF"))
-        m_engine->setBSF(m_settings->getBSF(), true);
-    else if (name == QLatin1String("BSF2"))
-        m_engine->setBSF2(m_settings->getBSF2(), true);
-    else if (name == QLatin1String("HPFOrder"))
-        m_engine->setHPFOrder(m_settings->getHPFOrder(), true);
-    else if (name == QLatin1String("LPFOrder"))
-        m_engine->setLPFOrder(m_settings->getLPFOrder(), true);
-    else if (name == QLatin1String("StorageTime"))
-        m_engine->setStorageTimeSeconds(m_settings->getStorageTime());
-    else if (name == QLatin1String("DataFolder") || name == QLatin1String("RecordRawEDF")
-             || name == QLatin1String("RecordOXD"))
-        applyRecordingSettings();
-    else if (name == QLatin1String("LoggingEnabled"))
-        GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
-    else if ((name.startsWith(QLatin1String("Spectrum")) || name.startsWith(QLatin1String("Meditation"))
-              || name.startsWith(QLatin1String("Concentration")))
-             && m_engine->isDeviceStarted())
-        startMetering();
-    else if (name == QLatin1String("UseFIR")) {
-        CortexCore::Use_FIR = m_settings->getUseFIR();
-        m_engine->recreateDataAndFilters(true);
+    for (CortexCore* engine : qAsConst(m_engines)) {
+        if (name == QLatin1String("HPF"))
+            engine->setHPF(m_settings->getHPF(), true);
+        else if (name == QLatin1String("LPF"))
+            engine->setLPF(m_settings->getLPF(), true);
+        else if (name == QLatin1String("BSF"))
+            engine->setBSF(m_settings->getBSF(), true);
+        else if (name == QLatin1String("BSF2"))
+            engine->setBSF2(m_settings->getBSF2(), true);
+        else if (name == QLatin1String("HPFOrder"))
+            engine->setHPFOrder(m_settings->getHPFOrder(), true);
+        else if (name == QLatin1String("LPFOrder"))
+            engine->setLPFOrder(m_settings->getLPFOrder(), true);
+        else if (name == QLatin1String("StorageTime"))
+            engine->setStorageTimeSeconds(m_settings->getStorageTime());
+        else if (name == QLatin1String("DataFolder") || name == QLatin1String("RecordRawEDF")
+                 || name == QLatin1String("RecordOXD"))
+            applyRecordingSettings(engine);
+        else if ((name.startsWith(QLatin1String("Spectrum")) || name.startsWith(QLatin1String("Meditation"))
+                  || name.startsWith(QLatin1String("Concentration")))
+                 && engine->isDeviceStarted())
+            startMetering(engine);
+        else if (name == QLatin1String("UseFIR")) {
+            CortexCore::Use_FIR = m_settings->getUseFIR();
+            engine->recreateDataAndFilters(true);
+        }
     }
+    if (name == QLatin1String("LoggingEnabled"))
+        GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
 }
 
 KxSettings* OrvexModel::settingsOwning(const QString& key) const
@@ -81,36 +111,105 @@ QJsonObject OrvexModel::allCapabilities() const
     return all;
 }
 
-void OrvexModel::startMetering()
+void OrvexModel::startMetering(CortexCore* engine)
 {
-    m_engine->startSpectrumCalculation(m_settings->getSpectrumWindowSeconds(), m_settings->getSpectrumStepSeconds(),
-                                       m_settings->getSpectrumHanningPercent());
-    m_engine->setMeditationRange(m_settings->getMeditationMinFrequency(), m_settings->getMeditationMaxFrequency());
-    m_engine->setConcentrationRange(m_settings->getConcentrationMinFrequency(),
-                                    m_settings->getConcentrationMaxFrequency());
-    startIndex(CortexCore::Meditation, QStringLiteral("Meditation"));
-    startIndex(CortexCore::Concentration, QStringLiteral("Concentration"));
+    engine->startSpectrumCalculation(m_settings->getSpectrumWindowSeconds(), m_settings->getSpectrumStepSeconds(),
+                                     m_settings->getSpectrumHanningPercent());
+    engine->setMeditationRange(m_settings->getMeditationMinFrequency(), m_settings->getMeditationMaxFrequency());
+    engine->setConcentrationRange(m_settings->getConcentrationMinFrequency(),
+                                  m_settings->getConcentrationMaxFrequency());
+    startIndex(engine, CortexCore::Meditation, QStringLiteral("Meditation"));
+    startIndex(engine, CortexCore::Concentration, QStringLiteral("Concentration"));
+    Q_EMIT controlOptionsChanged();
 }
 
 // The settings of one index mapped onto the metering arguments (see docs/metering.md).
-void OrvexModel::startIndex(int index, const QString& prefix)
+void OrvexModel::startIndex(CortexCore* engine, int index, const QString& prefix)
 {
     auto number = [this, &prefix](const char* key) {
         return m_settings->property(qPrintable(prefix + QLatin1String(key))).toDouble();
     };
     const int history = int(qMax(number("LowThreshold4"), number("TopThreshold4")));
-    m_engine->startMetaIndexMetering(index, m_settings->property(qPrintable(prefix + QLatin1String("Channels"))).toString(),
-                                     float(number("LowThreshold1")), float(number("TopThreshold1")),
-                                     float(number("LowThreshold2")), float(number("LowThreshold3")),
-                                     float(number("TopThreshold2")), float(number("TopThreshold3")), history,
-                                     int(number("LowThresholdHistory")), int(number("TopThresholdHistory")),
-                                     int(number("Smoothing")),
-                                     m_settings->property(qPrintable(prefix + QLatin1String("LimitTo100"))).toBool());
+    engine->startMetaIndexMetering(index, m_settings->property(qPrintable(prefix + QLatin1String("Channels"))).toString(),
+                                   float(number("LowThreshold1")), float(number("TopThreshold1")),
+                                   float(number("LowThreshold2")), float(number("LowThreshold3")),
+                                   float(number("TopThreshold2")), float(number("TopThreshold3")), history,
+                                   int(number("LowThresholdHistory")), int(number("TopThresholdHistory")),
+                                   int(number("Smoothing")),
+                                   m_settings->property(qPrintable(prefix + QLatin1String("LimitTo100"))).toBool());
 }
 
-void OrvexModel::applyRecordingSettings()
+void OrvexModel::applyRecordingSettings(CortexCore* engine)
 {
-    m_engine->setDataFolder(m_settings->resolvedDataFolder());
-    m_engine->enableRecordRawEDF(m_settings->getRecordRawEDF());
-    m_engine->enableRecordOXD(m_settings->getRecordOXD());
+    engine->setDataFolder(m_settings->resolvedDataFolder());
+    engine->enableRecordRawEDF(m_settings->getRecordRawEDF());
+    engine->enableRecordOXD(m_settings->getRecordOXD());
+}
+
+bool OrvexModel::startDataServer(int httpPort, QString& error)
+{
+    if (m_server)
+        return true;
+    const int port = httpPort > 0 ? httpPort : m_settings->getAPIPort();
+    const QString folder = StaticWebFolder::defaultFolder();
+    m_server = new OrvexDataServer(port, folder, this, this);
+    if (!m_server->isHttpListening()) {
+        error = QStringLiteral("the command interface cannot listen on port %1 (is another program using it?)")
+                    .arg(port);
+        delete m_server;
+        m_server = nullptr;
+        return false;
+    }
+    // Without the page the commands still work; the reason is on the console.
+    StaticWebFolder::prepare(folder, CommandReferencePage::fill(CommandReferencePage::templateText(),
+                                                                m_server->getCommands(),
+                                                                QCoreApplication::applicationVersion(), port));
+    m_server->start();
+    return true;
+}
+
+int OrvexModel::getNodeCount() const
+{
+    return int(m_engines.size());
+}
+
+CortexCore* OrvexModel::getNode(int index) const
+{
+    return index >= 0 && index < m_engines.size() ? m_engines[index] : nullptr;
+}
+
+QString OrvexModel::getRecordsFolder() const
+{
+    return m_settings->resolvedDataFolder();
+}
+
+QStringList OrvexModel::getFeedbackScreens() const
+{
+    return FeedbackScreens;
+}
+
+bool OrvexModel::setCurrentFeedbackScreen(const QString& screen)
+{
+    if (!FeedbackScreens.contains(screen))
+        return false;
+    if (m_feedbackScreen != screen) {
+        m_feedbackScreen = screen;
+        Q_EMIT currentFeedbackScreenChanged(screen);
+    }
+    return true;
+}
+
+void OrvexModel::closeApplication()
+{
+    // After the reply to the request that asked for it has gone out.
+    QTimer::singleShot(0, this, &OrvexModel::closeRequested);
+}
+
+bool OrvexModel::openLink(const QUrl& url)
+{
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        GlobalConsole::writeLine(QStringLiteral("No desktop to open ") + url.toString());
+        return false;
+    }
+    return QDesktopServices::openUrl(url);
 }

@@ -1,22 +1,25 @@
 #pragma once
 
+#include "server/DataServerContext.h"
+
 #include <QJsonObject>
-#include <QObject>
+#include <QList>
 
 class CortexCore;
 class KxSettings;
-class OrvexSettings;
-class VirtualDevicesSettings;
+class OrvexDataServer;
 
-// The application model: owns the settings and the engine and keeps the engine in step with
-// the settings.
-class OrvexModel : public QObject
+// The application model: owns the settings, the engine nodes and the data server, and keeps
+// the engines in step with the settings. Node 0 is the one the window and the command line
+// drive; the setting EngineNodes asks for more, each with its own device.
+class OrvexModel : public DataServerContext
 {
     Q_OBJECT
 public:
     explicit OrvexModel(QObject* parent = nullptr);
+    ~OrvexModel() override;
 
-    CortexCore* engine() const { return m_engine; }
+    CortexCore* engine() const { return m_engines.first(); }
     OrvexSettings* settings() const { return m_settings; }
     VirtualDevicesSettings* virtualDevicesSettings() const { return m_virtualDevices; }
 
@@ -27,16 +30,42 @@ public:
     // {"settings": [...], "virtualDeviceSettings": [...]}: every capability object.
     QJsonObject allCapabilities() const;
 
-    // Starts the spectrum and both indices with the current settings; runs whenever a device
-    // starts or a metering setting changes while one runs.
-    void startMetering();
+    // Starts the spectrum and both indices of a node with the current settings; runs whenever
+    // its device starts or a metering setting changes while one runs.
+    void startMetering(CortexCore* engine);
+
+    // Creates the data server on `httpPort` (the APIPort setting when 0), prepares the folder
+    // of its web pages and starts it. False with `error` set when the port cannot be bound.
+    bool startDataServer(int httpPort, QString& error);
+    OrvexDataServer* dataServer() const { return m_server; }
+
+    // DataServerContext
+    int getNodeCount() const override;
+    CortexCore* getNode(int index) const override;
+    OrvexSettings* getSettings() const override { return m_settings; }
+    VirtualDevicesSettings* getVirtualDevicesSettings() const override { return m_virtualDevices; }
+    QString getRecordsFolder() const override;
+    UserAccountStore* getUserAccounts() const override { return m_accounts; }
+    QStringList getFeedbackScreens() const override;
+    QString getCurrentFeedbackScreen() const override { return m_feedbackScreen; }
+    bool setCurrentFeedbackScreen(const QString& screen) override;
+    void closeApplication() override;
+    bool openLink(const QUrl& url) override;
+
+Q_SIGNALS:
+    // A client asked the application to close; the owner of the run finishes it cleanly.
+    void closeRequested();
 
 private:
+    CortexCore* createEngine();
     void applyEngineSetting(const QString& name);
-    void applyRecordingSettings();
-    void startIndex(int index, const QString& prefix);
+    void applyRecordingSettings(CortexCore* engine);
+    void startIndex(CortexCore* engine, int index, const QString& prefix);
 
     OrvexSettings* m_settings;
     VirtualDevicesSettings* m_virtualDevices;
-    CortexCore* m_engine;
+    QList<CortexCore*> m_engines;
+    UserAccountStore* m_accounts = nullptr;
+    OrvexDataServer* m_server = nullptr;
+    QString m_feedbackScreen;
 };

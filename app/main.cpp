@@ -2,6 +2,7 @@
 #include "app/HeadlessSession.h"
 #include "app/OrvexModel.h"
 #include "settings/KxSettings.h"
+#include "settings/OrvexSettings.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -65,6 +66,19 @@ int applySettings(OrvexModel& model, const HeadlessOptions& options)
     }
     return 0;
 }
+
+// The API is part of a normal run; a busy default port only costs the API, an explicitly
+// requested one that cannot be used ends the run.
+int startCommandInterface(OrvexModel& model, const HeadlessOptions& options)
+{
+    if (options.noApi || !model.settings()->getAPIEnabled())
+        return 0;
+    QString error;
+    if (model.startDataServer(options.apiPort, error))
+        return 0;
+    fail(error);
+    return options.apiPort ? 1 : 0;
+}
 }
 
 int main(int argc, char* argv[])
@@ -100,8 +114,12 @@ int main(int argc, char* argv[])
     if (!options.headless)
         std::fprintf(stderr, "orvexpro: this build has no screens yet; running without a window\n");
 
+    if (const int code = startCommandInterface(model, options))
+        return code;
+
     HeadlessSession session(&model, options);
     QObject::connect(&session, &HeadlessSession::finished, &app, &QCoreApplication::exit, Qt::QueuedConnection);
+    QObject::connect(&model, &OrvexModel::closeRequested, &session, [&session] { session.finish(0); });
     if (!session.start(error)) {
         fail(error);
         return 1;

@@ -261,3 +261,8 @@ void OrvexSettings::setAPIPort(int value)
 {
     assign(m_apiPort, value, &OrvexSettings::APIPortChanged);
 }
+
+void OrvexSettings::setEngineNodes(int value)
+{
+    assign(m_engineNodes, value, &OrvexSettings::EngineNodesChanged);
+}

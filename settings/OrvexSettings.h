@@ -507,6 +507,16 @@ class OrvexSettings : public KxSettings
     Q_CLASSINFO("APIPortDisplayName", "HTTP port")
     Q_CLASSINFO("APIPortDescription", "Port of the HTTP command interface")
 
+    Q_PROPERTY(int EngineNodes READ getEngineNodes WRITE setEngineNodes NOTIFY EngineNodesChanged)
+    Q_CLASSINFO("EngineNodesCategory", "7.API")
+    Q_CLASSINFO("EngineNodesDefault", "1")
+    Q_CLASSINFO("EngineNodesMinimum", "1")
+    Q_CLASSINFO("EngineNodesMaximum", "8")
+    Q_CLASSINFO("EngineNodesStep", "1")
+    Q_CLASSINFO("EngineNodesEditable", "true")
+    Q_CLASSINFO("EngineNodesDisplayName", "Engine nodes")
+    Q_CLASSINFO("EngineNodesDescription", "Number of independent engines (one device each) offered to other programs; read at start")
+
 public:
     explicit OrvexSettings(QObject* parent = nullptr);
     ~OrvexSettings() override;
@@ -563,6 +573,7 @@ public:
     float getSpectrumHanningPercent() const { return m_spectrumHanningPercent; }
     bool getAPIEnabled() const { return m_apiEnabled; }
     int getAPIPort() const { return m_apiPort; }
+    int getEngineNodes() const { return m_engineNodes; }
 
     void setStorageTime(int value);
     void setFavouriteDevice(QString value);
@@ -612,6 +623,7 @@ public:
     void setSpectrumHanningPercent(float value);
     void setAPIEnabled(bool value);
     void setAPIPort(int value);
+    void setEngineNodes(int value);
 
 Q_SIGNALS:
     void StorageTimeChanged();
@@ -662,6 +674,7 @@ Q_SIGNALS:
     void SpectrumHanningPercentChanged();
     void APIEnabledChanged();
     void APIPortChanged();
+    void EngineNodesChanged();
 
 private:
     // Start values only until initialize() applies the declared defaults.
@@ -713,4 +726,5 @@ private:
     float m_spectrumHanningPercent = 0.0f;
     bool m_apiEnabled = false;
     int m_apiPort = 0;
+    int m_engineNodes = 1;
 };

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "server/BaseCortexCoreNodeCommand.h"
+
+// The node's latest meditation level in percent.
+class Meditation : public BaseCortexCoreNodeCommand
+{
+    Q_OBJECT
+public:
+    explicit Meditation(DataServerContext* context, QObject* parent = nullptr);
+
+    bool processCommand(CortexCore* node, Referrer referrer, QJsonObject& response,
+                        QMap<QString, QString>& args) override;
+    using BaseCortexCoreNodeCommand::processCommand;
+    QString getDescription() override;
+    QMap<QString, QString> getReturnsDescriptions() override;
+};

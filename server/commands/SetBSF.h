@@ -1,0 +1,17 @@
+#pragma once
+
+#include "server/BaseSetFilterCommand.h"
+
+// Sets the node's BSF cut-off and keeps it in the settings.
+class SetBSF : public BaseSetFilterCommand
+{
+    Q_OBJECT
+public:
+    explicit SetBSF(DataServerContext* context, QObject* parent = nullptr);
+
+    QString getDescription() override;
+
+protected:
+    void setFilterValue(float& hpf, float& lpf, float& bsf, float& bsf2, float value) override;
+    QString settingsKey() const override;
+};
