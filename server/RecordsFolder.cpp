@@ -51,9 +51,8 @@ QString RecordsFolder::relativePath(const QString& canonical) const
     return QDir(canonicalPath()).relativeFilePath(canonical);
 }
 
-bool RecordsFolder::resolveExisting(const QString& path, QString& resolved, QString& error) const
+bool RecordsFolder::acceptsPathText(const QString& path, QString& error) const
 {
-    resolved.clear();
     if (m_folder.isEmpty() || path.isEmpty()) {
         error = m_folder.isEmpty() ? QStringLiteral("No records folder") : QStringLiteral("Path is empty");
         return false;
@@ -62,6 +61,14 @@ bool RecordsFolder::resolveExisting(const QString& path, QString& resolved, QStr
         error = outsideErrorText();
         return false;
     }
+    return true;
+}
+
+bool RecordsFolder::resolveExisting(const QString& path, QString& resolved, QString& error) const
+{
+    resolved.clear();
+    if (!acceptsPathText(path, error))
+        return false;
     const QFileInfo info(absolute(path));
     const QString canonical = info.canonicalFilePath();
     if (canonical.isEmpty()) {
@@ -84,14 +91,8 @@ bool RecordsFolder::resolveExisting(const QString& path, QString& resolved, QStr
 bool RecordsFolder::resolveForWriting(const QString& path, QString& resolved, QString& error) const
 {
     resolved.clear();
-    if (m_folder.isEmpty() || path.isEmpty()) {
-        error = m_folder.isEmpty() ? QStringLiteral("No records folder") : QStringLiteral("Path is empty");
+    if (!acceptsPathText(path, error))
         return false;
-    }
-    if (hasParentStep(path)) {
-        error = outsideErrorText();
-        return false;
-    }
     const QFileInfo info(absolute(path));
     if (info.exists() || info.isSymLink())
         return resolveExisting(path, resolved, error);

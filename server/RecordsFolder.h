@@ -36,6 +36,8 @@ public:
     static QString outsideErrorText();
 
 private:
+    // False with `error` set when the folder is unknown, the path empty or it steps upwards.
+    bool acceptsPathText(const QString& path, QString& error) const;
     static bool hasParentStep(const QString& path);
     QString absolute(const QString& path) const;
 

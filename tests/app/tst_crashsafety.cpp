@@ -28,7 +28,7 @@ private Q_SLOTS:
         QProcess process;
         process.setProcessEnvironment(env);
         process.start(QStringLiteral(ORVEX_BINARY),
-                      { "--headless", "--device", "generator", "--record", stem + ".edf" });
+                      { "--headless", "--no-api", "--device", "generator", "--record", stem + ".edf" });
         QVERIFY(process.waitForStarted());
 
         // Recording time counts from the moment the file appears.

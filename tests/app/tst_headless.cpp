@@ -1,7 +1,13 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QEventLoop>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QProcess>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -32,8 +38,24 @@ class TestHeadless : public QObject
         return env;
     }
 
-    Run run(const QStringList& arguments, int timeoutMs = 30000)
+    // Runs without the command interface unless a test asks for a port: parallel tests would
+    // otherwise compete for the default one.
+    static QByteArray httpGet(const QString& url)
     {
+        QNetworkAccessManager manager;
+        QNetworkReply* reply = manager.get(QNetworkRequest(QUrl(url)));
+        QEventLoop loop;
+        QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+        loop.exec();
+        const QByteArray body = reply->readAll();
+        delete reply;
+        return body;
+    }
+
+    Run run(QStringList arguments, int timeoutMs = 30000)
+    {
+        if (arguments.contains(QStringLiteral("--headless")) && !arguments.contains(QStringLiteral("--api-port")))
+            arguments << QStringLiteral("--no-api");
         QProcess process;
         process.setProcessEnvironment(environment());
         process.start(QStringLiteral(ORVEX_BINARY), arguments);
@@ -177,7 +199,7 @@ private Q_SLOTS:
         const QString csv = m_home.filePath(QStringLiteral("live.csv"));
         QProcess process;
         process.setProcessEnvironment(environment());
-        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--csv", csv });
+        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--no-api", "--csv", csv });
         QVERIFY(process.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(csv).size() > 2000, 10000);
         ::kill(pid_t(process.processId()), SIGTERM);
@@ -188,6 +210,35 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray content = file.readAll();
         QVERIFY(content.endsWith(";\n")); // the last row is complete
+    }
+
+    // A client drives the running program over HTTP: it sees the streaming generator, gets
+    // the reference page, and closes the program, which then exits cleanly.
+    void commandInterfaceDrivesTheRun()
+    {
+        QTcpServer probe;
+        QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
+        const int port = probe.serverPort();
+        probe.close();
+        QProcess process;
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--api-port", QString::number(port) });
+        QVERIFY(process.waitForStarted());
+        const QString address = QStringLiteral("http://127.0.0.1:%1/").arg(port);
+
+        QJsonObject info;
+        QTRY_VERIFY_WITH_TIMEOUT((info = QJsonDocument::fromJson(httpGet(address + "currentDeviceInfo")).object())
+                                     .value("device")
+                                     .isObject(),
+                                 15000);
+        QCOMPARE(info.value("device").toObject().value("name").toString(), QStringLiteral("GeneratorDevice"));
+        QVERIFY(info.value("currentFrequency").toDouble() > 0);
+        QVERIFY(httpGet(address).contains("<cmd "));
+
+        const QJsonObject closed = QJsonDocument::fromJson(httpGet(address + "close")).object();
+        QVERIFY(closed.value("result").toBool());
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.exitCode(), 0);
     }
 
     void informationOptions()

@@ -72,7 +72,7 @@ private Q_SLOTS:
         env.insert("XDG_CONFIG_HOME", m_home.filePath("config"));
         env.insert("QT_QPA_PLATFORM", "offscreen");
         process.setProcessEnvironment(env);
-        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--device", edf, "--speed", "0", "--csv", csv });
+        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--no-api", "--device", edf, "--speed", "0", "--csv", csv });
         QVERIFY(process.waitForFinished(120000));
         QCOMPARE(process.exitCode(), 0);
 
