@@ -6,6 +6,7 @@
 #include "devices/BleDeviceDiscovery.h"
 #include "devices/EDFVirtualDevice.h"
 #include "devices/GeneratorVirtualDevice.h"
+#include "devices/OrvexDevice.h"
 #include "services/GlobalConsole.h"
 #include "services/GlobalConsoleWriter.h"
 #include "services/TextHelper.h"
@@ -33,6 +34,9 @@ CortexCore::CortexCore(QObject* parent)
     registerTypes();
     HeadsetDescriptor::allowedDevices();
     setDeviceDiscovery(new BleDeviceDiscovery(this));
+    setHeadsetFactory([](const QBluetoothDeviceInfo& info, QObject* owner) -> AbstractDevice* {
+        return new OrvexDevice(info, owner);
+    });
 }
 
 CortexCore::~CortexCore()

@@ -62,3 +62,33 @@ void VirtualDevicesSettings::setEDFPath(QString value)
 {
     assign(m_edfPath, value, &VirtualDevicesSettings::EDFPathChanged);
 }
+
+void VirtualDevicesSettings::setHeadsetSimName(QString value)
+{
+    assign(m_headsetSimName, value, &VirtualDevicesSettings::HeadsetSimNameChanged);
+}
+
+void VirtualDevicesSettings::setHeadsetSimPacketLoss(float value)
+{
+    assign(m_headsetSimPacketLoss, value, &VirtualDevicesSettings::HeadsetSimPacketLossChanged);
+}
+
+void VirtualDevicesSettings::setHeadsetSimRateFactor(float value)
+{
+    assign(m_headsetSimRateFactor, value, &VirtualDevicesSettings::HeadsetSimRateFactorChanged);
+}
+
+void VirtualDevicesSettings::setHeadsetSimSilenceAfter(int value)
+{
+    assign(m_headsetSimSilenceAfter, value, &VirtualDevicesSettings::HeadsetSimSilenceAfterChanged);
+}
+
+void VirtualDevicesSettings::setHeadsetSimDisconnectAfter(int value)
+{
+    assign(m_headsetSimDisconnectAfter, value, &VirtualDevicesSettings::HeadsetSimDisconnectAfterChanged);
+}
+
+void VirtualDevicesSettings::setHeadsetSimAwayFor(int value)
+{
+    assign(m_headsetSimAwayFor, value, &VirtualDevicesSettings::HeadsetSimAwayForChanged);
+}

@@ -127,6 +127,69 @@ class VirtualDevicesSettings : public KxSettings
     Q_CLASSINFO("EDFPathDisplayName", "Recording to play")
     Q_CLASSINFO("EDFPathDescription", "EDF or BDF file offered as a device; empty for none")
 
+    Q_PROPERTY(QString HeadsetSimName READ getHeadsetSimName WRITE setHeadsetSimName NOTIFY HeadsetSimNameChanged)
+    Q_CLASSINFO("HeadsetSimNameCategory", "VirtualDevices")
+    Q_CLASSINFO("HeadsetSimNameDefault", "\"OX8G (0031)\"")
+    Q_CLASSINFO("HeadsetSimNameEditable", "true")
+    Q_CLASSINFO("HeadsetSimNameDisplayName", "Simulated headset name")
+    Q_CLASSINFO("HeadsetSimNameDescription", "Name the simulated headset advertises; it decides the channel count")
+
+    Q_PROPERTY(float HeadsetSimPacketLoss READ getHeadsetSimPacketLoss WRITE setHeadsetSimPacketLoss NOTIFY HeadsetSimPacketLossChanged)
+    Q_CLASSINFO("HeadsetSimPacketLossCategory", "VirtualDevices")
+    Q_CLASSINFO("HeadsetSimPacketLossDefault", "0.0f")
+    Q_CLASSINFO("HeadsetSimPacketLossMinimum", "0.0")
+    Q_CLASSINFO("HeadsetSimPacketLossMaximum", "100.0")
+    Q_CLASSINFO("HeadsetSimPacketLossStep", "0.1")
+    Q_CLASSINFO("HeadsetSimPacketLossPrecision", "1")
+    Q_CLASSINFO("HeadsetSimPacketLossSuffix", "%")
+    Q_CLASSINFO("HeadsetSimPacketLossEditable", "true")
+    Q_CLASSINFO("HeadsetSimPacketLossDisplayName", "Simulated packet loss")
+    Q_CLASSINFO("HeadsetSimPacketLossDescription", "Share of the simulated headset's packets that never arrive")
+
+    Q_PROPERTY(float HeadsetSimRateFactor READ getHeadsetSimRateFactor WRITE setHeadsetSimRateFactor NOTIFY HeadsetSimRateFactorChanged)
+    Q_CLASSINFO("HeadsetSimRateFactorCategory", "VirtualDevices")
+    Q_CLASSINFO("HeadsetSimRateFactorDefault", "1.0f")
+    Q_CLASSINFO("HeadsetSimRateFactorMinimum", "0.1")
+    Q_CLASSINFO("HeadsetSimRateFactorMaximum", "10.0")
+    Q_CLASSINFO("HeadsetSimRateFactorStep", "0.1")
+    Q_CLASSINFO("HeadsetSimRateFactorPrecision", "2")
+    Q_CLASSINFO("HeadsetSimRateFactorEditable", "true")
+    Q_CLASSINFO("HeadsetSimRateFactorDisplayName", "Simulated rate factor")
+    Q_CLASSINFO("HeadsetSimRateFactorDescription", "The simulated headset sends this multiple of the commanded rate (1: correct)")
+
+    Q_PROPERTY(int HeadsetSimSilenceAfter READ getHeadsetSimSilenceAfter WRITE setHeadsetSimSilenceAfter NOTIFY HeadsetSimSilenceAfterChanged)
+    Q_CLASSINFO("HeadsetSimSilenceAfterCategory", "VirtualDevices")
+    Q_CLASSINFO("HeadsetSimSilenceAfterDefault", "0")
+    Q_CLASSINFO("HeadsetSimSilenceAfterMinimum", "0")
+    Q_CLASSINFO("HeadsetSimSilenceAfterMaximum", "86400")
+    Q_CLASSINFO("HeadsetSimSilenceAfterStep", "1")
+    Q_CLASSINFO("HeadsetSimSilenceAfterSuffix", "s")
+    Q_CLASSINFO("HeadsetSimSilenceAfterEditable", "true")
+    Q_CLASSINFO("HeadsetSimSilenceAfterDisplayName", "Simulated silence after")
+    Q_CLASSINFO("HeadsetSimSilenceAfterDescription", "The simulated headset stops sending, once, after this many seconds of streaming (0: never)")
+
+    Q_PROPERTY(int HeadsetSimDisconnectAfter READ getHeadsetSimDisconnectAfter WRITE setHeadsetSimDisconnectAfter NOTIFY HeadsetSimDisconnectAfterChanged)
+    Q_CLASSINFO("HeadsetSimDisconnectAfterCategory", "VirtualDevices")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterDefault", "0")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterMinimum", "0")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterMaximum", "86400")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterStep", "1")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterSuffix", "s")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterEditable", "true")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterDisplayName", "Simulated disconnection after")
+    Q_CLASSINFO("HeadsetSimDisconnectAfterDescription", "The simulated headset drops its link, once, after this many seconds of streaming (0: never)")
+
+    Q_PROPERTY(int HeadsetSimAwayFor READ getHeadsetSimAwayFor WRITE setHeadsetSimAwayFor NOTIFY HeadsetSimAwayForChanged)
+    Q_CLASSINFO("HeadsetSimAwayForCategory", "VirtualDevices")
+    Q_CLASSINFO("HeadsetSimAwayForDefault", "3")
+    Q_CLASSINFO("HeadsetSimAwayForMinimum", "0")
+    Q_CLASSINFO("HeadsetSimAwayForMaximum", "86400")
+    Q_CLASSINFO("HeadsetSimAwayForStep", "1")
+    Q_CLASSINFO("HeadsetSimAwayForSuffix", "s")
+    Q_CLASSINFO("HeadsetSimAwayForEditable", "true")
+    Q_CLASSINFO("HeadsetSimAwayForDisplayName", "Simulated absence")
+    Q_CLASSINFO("HeadsetSimAwayForDescription", "Seconds the simulated headset stays out of range after dropping its link")
+
 public:
     explicit VirtualDevicesSettings(QObject* parent = nullptr);
     ~VirtualDevicesSettings() override;
@@ -142,6 +205,12 @@ public:
     float getGeneratorFrequencyIncrement() const { return m_generatorFrequencyIncrement; }
     QString getGeneratorChannelNames() const { return m_generatorChannelNames; }
     QString getEDFPath() const { return m_edfPath; }
+    QString getHeadsetSimName() const { return m_headsetSimName; }
+    float getHeadsetSimPacketLoss() const { return m_headsetSimPacketLoss; }
+    float getHeadsetSimRateFactor() const { return m_headsetSimRateFactor; }
+    int getHeadsetSimSilenceAfter() const { return m_headsetSimSilenceAfter; }
+    int getHeadsetSimDisconnectAfter() const { return m_headsetSimDisconnectAfter; }
+    int getHeadsetSimAwayFor() const { return m_headsetSimAwayFor; }
 
     void setGeneratorEnabled(bool value);
     void setSignalType(GeneratorVirtualDevice::GeneratorType value);
@@ -154,6 +223,12 @@ public:
     void setGeneratorFrequencyIncrement(float value);
     void setGeneratorChannelNames(QString value);
     void setEDFPath(QString value);
+    void setHeadsetSimName(QString value);
+    void setHeadsetSimPacketLoss(float value);
+    void setHeadsetSimRateFactor(float value);
+    void setHeadsetSimSilenceAfter(int value);
+    void setHeadsetSimDisconnectAfter(int value);
+    void setHeadsetSimAwayFor(int value);
 
 Q_SIGNALS:
     void GeneratorEnabledChanged();
@@ -167,6 +242,12 @@ Q_SIGNALS:
     void GeneratorFrequencyIncrementChanged();
     void GeneratorChannelNamesChanged();
     void EDFPathChanged();
+    void HeadsetSimNameChanged();
+    void HeadsetSimPacketLossChanged();
+    void HeadsetSimRateFactorChanged();
+    void HeadsetSimSilenceAfterChanged();
+    void HeadsetSimDisconnectAfterChanged();
+    void HeadsetSimAwayForChanged();
 
 private:
     // Start values only until initialize() applies the declared defaults.
@@ -181,4 +262,10 @@ private:
     float m_generatorFrequencyIncrement = 0.0f;
     QString m_generatorChannelNames;
     QString m_edfPath;
+    QString m_headsetSimName;
+    float m_headsetSimPacketLoss = 0.0f;
+    float m_headsetSimRateFactor = 0.0f;
+    int m_headsetSimSilenceAfter = 0;
+    int m_headsetSimDisconnectAfter = 0;
+    int m_headsetSimAwayFor = 0;
 };

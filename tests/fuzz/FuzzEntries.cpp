@@ -1,5 +1,7 @@
 #include "FuzzEntries.h"
 
+#include "DataGrabberFuzz.h"
+
 #include "dsp/AmplifierChannel.h"
 #include "dsp/ChannelSpecification.h"
 #include "dsp/Montage.h"
@@ -288,7 +290,8 @@ void table(const uint8_t* data, size_t size)
 
 QStringList targets()
 {
-    return {QStringLiteral("edf"), QStringLiteral("montage"), QStringLiteral("channel"), QStringLiteral("table")};
+    return {QStringLiteral("edf"), QStringLiteral("montage"), QStringLiteral("channel"), QStringLiteral("table"),
+            QStringLiteral("datagrabber")};
 }
 
 Entry entryFor(const QString& target)
@@ -301,6 +304,8 @@ Entry entryFor(const QString& target)
         return &channel;
     if (target == QLatin1String("table"))
         return &table;
+    if (target == QLatin1String("datagrabber"))
+        return &datagrabber;
     return nullptr;
 }
 
