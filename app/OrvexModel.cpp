@@ -86,6 +86,8 @@ void OrvexModel::applyEngineSetting(const QString& name)
     }
     if (name == QLatin1String("LoggingEnabled"))
         GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
+    if (name == QLatin1String("APIKey") && m_server)
+        m_server->setApiKey(m_settings->getAPIKey());
 }
 
 KxSettings* OrvexModel::settingsOwning(const QString& key) const
@@ -153,6 +155,7 @@ bool OrvexModel::startDataServer(int httpPort, QString& error)
     const int port = httpPort > 0 ? httpPort : m_settings->getAPIPort();
     const QString folder = StaticWebFolder::defaultFolder();
     m_server = new OrvexDataServer(port, folder, this, this);
+    m_server->setApiKey(m_settings->getAPIKey());
     if (!m_server->isHttpListening()) {
         error = QStringLiteral("the command interface cannot listen on port %1 (is another program using it?)")
                     .arg(port);

@@ -4,6 +4,7 @@
 #include "server/UrlArguments.h"
 #include "services/GlobalConsoleWriter.h"
 
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -14,10 +15,14 @@
 #include <QJsonDocument>
 #include <QJsonParseError>
 #include <QMimeDatabase>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTimer>
 #include <QUrl>
 #include <QWebSocket>
 #include <QWebSocketServer>
+
+#include <memory>
 
 namespace {
 
@@ -40,6 +45,79 @@ QString compactJson(const QJsonObject& object)
 {
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
+
+const QString WrongKeyText = QStringLiteral("Missing or wrong API key");
+
+QString tooLargeText(qint64 limit)
+{
+    return QStringLiteral("Message too large: at most %1 bytes").arg(limit);
+}
+
+// Counted without converting: the message may be megabytes long.
+qint64 utf8Size(QStringView text)
+{
+    qint64 size = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c < 0x80)
+            size += 1;
+        else if (c < 0x800)
+            size += 2;
+        else if (QChar::isHighSurrogate(c) && i + 1 < text.size() && QChar::isLowSurrogate(text[i + 1].unicode())) {
+            size += 4;
+            ++i;
+        } else
+            size += 3;
+    }
+    return size;
+}
+
+QJsonObject refusalReply(const QString& error)
+{
+    return { { QStringLiteral("result"), false },
+             { QStringLiteral("error"), error },
+             { QStringLiteral("time"), HTWSServer::timeText() } };
+}
+
+QByteArray keyHash(const QByteArray& key)
+{
+    return QCryptographicHash::hash(key, QCryptographicHash::Sha256);
+}
+
+// QHttpServer reads a whole request before any handler sees it, so the body limit alone cannot
+// stop a client from filling memory: a connection that sends more than `limit` bytes without
+// being answered is dropped.
+class GuardedTcpServer : public QTcpServer
+{
+public:
+    GuardedTcpServer(qint64 limit, QObject* parent)
+        : QTcpServer(parent)
+        , m_limit(limit)
+    {
+    }
+
+    QTcpSocket* nextPendingConnection() override
+    {
+        QTcpSocket* socket = QTcpServer::nextPendingConnection();
+        if (!socket)
+            return nullptr;
+        auto unanswered = std::make_shared<qint64>(0);
+        // Connected before the HTTP server's own reader, so bytesAvailable() is the new data.
+        connect(socket, &QTcpSocket::readyRead, socket, [socket, unanswered, limit = m_limit] {
+            *unanswered += socket->bytesAvailable();
+            if (*unanswered > limit && socket->state() == QAbstractSocket::ConnectedState) {
+                kxDebug() << QStringLiteral("HTTP connection closed: more than %1 bytes without an answer").arg(limit);
+                // Not from inside the emission the HTTP server is still to receive.
+                QMetaObject::invokeMethod(socket, &QTcpSocket::abort, Qt::QueuedConnection);
+            }
+        });
+        connect(socket, &QTcpSocket::bytesWritten, socket, [unanswered] { *unanswered = 0; });
+        return socket;
+    }
+
+private:
+    qint64 m_limit;
+};
 
 } // namespace
 
@@ -65,11 +143,12 @@ HTWSServer::HTWSServer(int httpPort, int wsPort, const QString& folder, const QS
     m_httpServer->afterRequest([this](QHttpServerResponse&&, const QHttpServerRequest& request) {
         return handleHttpRequest(request);
     });
-    const quint16 bound = isValidPort(httpPort) ? m_httpServer->listen(QHostAddress::Any, quint16(httpPort)) : 0;
-    m_httpListening = bound != 0;
-    if (m_httpListening)
-        m_httpPort = bound;
-    else
+    auto* tcpServer = new GuardedTcpServer(MaxUnansweredHttpBytes, m_httpServer);
+    m_httpListening = isValidPort(httpPort) && tcpServer->listen(QHostAddress::Any, quint16(httpPort));
+    if (m_httpListening) {
+        m_httpServer->bind(tcpServer);
+        m_httpPort = tcpServer->serverPort();
+    } else
         kxDebug() << QStringLiteral("HTTP server cannot listen on port %1").arg(httpPort);
 }
 
@@ -102,6 +181,8 @@ void HTWSServer::start()
     if (!m_timer) {
         m_timer = new QTimer(this);
         m_timer->setInterval(queueIntervalMs);
+        // A coarse timer may fire up to 5 % late, which a client waiting for each reply feels.
+        m_timer->setTimerType(Qt::PreciseTimer);
         connect(m_timer, &QTimer::timeout, this, &HTWSServer::processQueue);
     }
     m_timer->start();
@@ -136,12 +217,55 @@ QString HTWSServer::processManualMessage(const QString& message)
     return compactJson(processAnyMessage(message, QByteArray()));
 }
 
+void HTWSServer::setApiKey(const QString& key)
+{
+    m_apiKeyHash = key.isEmpty() ? QByteArray() : keyHash(key.toUtf8());
+    for (ClientBacklog& backlog : m_backlog)
+        backlog.authorised = false;
+}
+
+bool HTWSServer::keyMatches(const QByteArray& candidate) const
+{
+    // Hashes have one length and are compared without an early exit: the time taken tells
+    // nothing about how much of the key was right.
+    const QByteArray hash = keyHash(candidate);
+    unsigned char difference = 0;
+    for (qsizetype i = 0; i < hash.size(); ++i)
+        difference |= static_cast<unsigned char>(hash[i] ^ m_apiKeyHash[i]);
+    return difference == 0;
+}
+
+bool HTWSServer::acceptsKey(QMap<QString, QString>& args, const QByteArray& header) const
+{
+    if (!hasApiKey())
+        return true;
+    bool accepted = !header.isEmpty() && keyMatches(header);
+    for (auto it = args.begin(); it != args.end();) {
+        const QString name = it.key().toLower();
+        if (name == QLatin1String("apikey")) {
+            accepted = keyMatches(it.value().toUtf8()) || accepted;
+            it = args.erase(it);
+        } else if (name == QLatin1String("key") && keyMatches(it.value().toUtf8())) {
+            accepted = true;
+            it = args.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    return accepted;
+}
+
 QString HTWSServer::timeText()
 {
     return QDateTime::currentDateTime().toString(QStringLiteral("yyyy.MM.dd-hh.mm.ss.zzz"));
 }
 
 QJsonObject HTWSServer::processAnyMessage(const QString& message, const QByteArray& body)
+{
+    return buildReply(message, body, nullptr);
+}
+
+QJsonObject HTWSServer::buildReply(const QString& message, const QByteArray& body, QWebSocket* client)
 {
     QJsonObject response;
     QString command;
@@ -182,7 +306,13 @@ QJsonObject HTWSServer::processAnyMessage(const QString& message, const QByteArr
         response.insert(QStringLiteral("error"),
                         QStringLiteral("Please specify a command (e.g. '{\"command\":\"listDevices\"}')"));
         response.insert(QStringLiteral("result"), false);
+    } else if (client && !acceptsKey(args, QByteArray())) {
+        response.insert(QStringLiteral("command"), command.toLower());
+        response.insert(QStringLiteral("error"), WrongKeyText);
+        response.insert(QStringLiteral("result"), false);
     } else {
+        if (client && hasApiKey())
+            m_backlog[client].authorised = true;
         response.insert(QStringLiteral("command"), command);
         const bool result = processMessage(ReferrerWebSocket, command, response, body, args);
         response.insert(QStringLiteral("result"), result);
@@ -211,8 +341,10 @@ bool HTWSServer::processMessage(Referrer referrer, QString& command, QJsonObject
 
 void HTWSServer::sendTextToAllClients(const QString& text)
 {
-    for (QWebSocket* client : std::as_const(m_clients))
-        client->sendTextMessage(text);
+    for (QWebSocket* client : std::as_const(m_clients)) {
+        if (!hasApiKey() || m_backlog.value(client).authorised)
+            client->sendTextMessage(text);
+    }
 }
 
 void HTWSServer::onNewConnection()
@@ -221,7 +353,10 @@ void HTWSServer::onNewConnection()
         connect(client, &QWebSocket::textMessageReceived, this, &HTWSServer::processTextMessage);
         connect(client, &QWebSocket::binaryMessageReceived, this, &HTWSServer::processBinaryMessage);
         connect(client, &QWebSocket::disconnected, this, &HTWSServer::socketDisconnected);
+        client->setMaxAllowedIncomingMessageSize(quint64(MaxReceivedMessageBytes));
+        client->setMaxAllowedIncomingFrameSize(quint64(MaxReceivedMessageBytes));
         m_clients.insert(client);
+        m_backlog.insert(client, {});
     }
 }
 
@@ -230,13 +365,46 @@ void HTWSServer::processTextMessage(const QString& message)
     auto* client = qobject_cast<QWebSocket*>(sender());
     if (!client || !m_clients.contains(client))
         return;
-    m_queue.enqueue({ client, m_messageCounter, message });
+    ClientBacklog& backlog = m_backlog[client];
+    const qint64 bytes = utf8Size(message);
+    // Refused messages are answered through the queue too, so replies keep arrival order.
+    const bool full = backlog.messages >= MaxPendingMessages || backlog.bytes + bytes > MaxPendingBytes
+        || client->bytesToWrite() > MaxUnsentBytes;
+    if (full) {
+        if (!backlog.overflowReported) {
+            backlog.overflowReported = true;
+            enqueueRefusal(client, QStringLiteral("Too many pending messages (at most %1 per client): message refused")
+                                       .arg(MaxPendingMessages));
+        }
+        return;
+    }
+    backlog.overflowReported = false;
+    if (bytes > MaxMessageBytes) {
+        enqueueRefusal(client, tooLargeText(MaxMessageBytes));
+        return;
+    }
+    ++backlog.messages;
+    backlog.bytes += bytes;
+    m_queue.enqueue({ client, m_messageCounter, message, bytes, QString() });
+    ++m_messageCounter;
+}
+
+void HTWSServer::enqueueRefusal(QWebSocket* client, const QString& error)
+{
+    ++m_backlog[client].messages;
+    m_queue.enqueue({ client, m_messageCounter, QString(), 0, error });
     ++m_messageCounter;
 }
 
 void HTWSServer::processBinaryMessage(const QByteArray& message)
 {
-    if (auto* client = qobject_cast<QWebSocket*>(sender()))
+    auto* client = qobject_cast<QWebSocket*>(sender());
+    // The echo is skipped for a client that does not read what it gets.
+    if (!client || client->bytesToWrite() > MaxUnsentBytes)
+        return;
+    if (message.size() > MaxMessageBytes)
+        client->sendTextMessage(compactJson(refusalReply(tooLargeText(MaxMessageBytes))));
+    else
         client->sendBinaryMessage(message);
 }
 
@@ -245,6 +413,7 @@ void HTWSServer::socketDisconnected()
     auto* client = qobject_cast<QWebSocket*>(sender());
     if (!client || !m_clients.remove(client))
         return;
+    m_backlog.remove(client);
     client->deleteLater();
 }
 
@@ -260,7 +429,11 @@ void HTWSServer::processQueue()
         // A client that left since its message arrived gets nothing.
         if (!entry.client || !m_clients.contains(entry.client.data()))
             continue;
-        const QString reply = compactJson(processAnyMessage(entry.text, QByteArray()));
+        ClientBacklog& backlog = m_backlog[entry.client.data()];
+        --backlog.messages;
+        backlog.bytes -= entry.bytes;
+        const QString reply = compactJson(entry.refusal.isEmpty() ? buildReply(entry.text, QByteArray(), entry.client)
+                                                                  : refusalReply(entry.refusal));
         if (entry.client && m_clients.contains(entry.client.data()))
             entry.client->sendTextMessage(reply);
     }
@@ -293,7 +466,17 @@ QHttpServerResponse HTWSServer::handleHttpRequest(const QHttpServerRequest& requ
     }
 
     QJsonObject response;
-    const bool result = processMessage(ReferrerHttp, resource, response, request.body(), args);
+    bool result = false;
+    if (request.body().size() > MaxRequestBodyBytes) {
+        response.insert(QStringLiteral("command"), resource);
+        response.insert(QStringLiteral("error"),
+                        QStringLiteral("Request body too large: at most %1 bytes").arg(MaxRequestBodyBytes));
+    } else if (!acceptsKey(args, request.value(QByteArrayLiteral("X-Api-Key")))) {
+        response.insert(QStringLiteral("command"), resource);
+        response.insert(QStringLiteral("error"), WrongKeyText);
+    } else {
+        result = processMessage(ReferrerHttp, resource, response, request.body(), args);
+    }
     response.insert(QStringLiteral("result"), result);
     response.insert(QStringLiteral("time"), timeText());
     const QJsonDocument::JsonFormat format =

@@ -3,6 +3,7 @@
 #include "server/Referrer.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QJsonObject>
 #include <QList>
 #include <QMap>
@@ -28,10 +29,30 @@ class QWebSocketServer;
 // HTTP answers from construction on; start() adds the WebSocket side. WebSocket text messages
 // are only queued when they arrive and are run by a 30 ms timer, in arrival order, so every
 // command runs on this object's thread.
+//
+// The ports listen on every interface, so input is bounded (sizes are UTF-8 bytes as received):
+// an oversized HTTP body or WebSocket message, or a client whose queue is full, gets a refusal
+// reply and nothing runs; a connection that goes far beyond the limits is closed. An optional API
+// key (empty = open) must accompany every command.
 class HTWSServer : public QObject
 {
     Q_OBJECT
 public:
+    // AddFileToRecord carries whole files in the body, so HTTP bodies get room for a few megabytes
+    // of base64.
+    static constexpr qint64 MaxRequestBodyBytes = 16 * 1024 * 1024;
+    // Commands are short texts; 1 MiB leaves room for SetSettings values and Records "set".
+    static constexpr qint64 MaxMessageBytes = 1024 * 1024;
+    // Up to here a too-large message is read and refused with a reply; beyond, the connection
+    // is closed (WebSocket close code 1009, HTTP connection dropped) so memory stays bounded.
+    static constexpr qint64 MaxReceivedMessageBytes = 4 * MaxMessageBytes;
+    static constexpr qint64 MaxUnansweredHttpBytes = 2 * MaxRequestBodyBytes;
+    // Per WebSocket client: messages waiting for the 30 ms drain, their text, and replies the
+    // client has not read yet. 1000 is ~30 s of a client polling every 30 ms.
+    static constexpr int MaxPendingMessages = 1000;
+    static constexpr qint64 MaxPendingBytes = 16 * 1024 * 1024;
+    static constexpr qint64 MaxUnsentBytes = 16 * 1024 * 1024;
+
     // A port of 0 binds a free port; portHTTP()/portWebSocket() then tell which.
     HTWSServer(int httpPort, int wsPort, const QString& folder, const QString& wsServerName,
                QObject* parent = nullptr);
@@ -53,6 +74,14 @@ public:
 
     // Runs one message as if it came over WebSocket; the compact JSON reply.
     QString processManualMessage(const QString& message);
+
+    // An empty key leaves the interface open. Otherwise an HTTP command needs the header
+    // X-Api-Key or the argument "key" or "apikey" equal to it, a WebSocket message the member or
+    // argument "key" or "apikey"; the matching argument is removed before the command runs
+    // (a "key" that does not match stays: GetSettings/SetSettings use that name). Static files
+    // stay readable without it.
+    void setApiKey(const QString& key);
+    bool hasApiKey() const { return !m_apiKeyHash.isEmpty(); }
 
     static QString timeText();
 
@@ -80,9 +109,25 @@ private:
         QPointer<QWebSocket> client;
         int sequence = 0;
         QString text;
+        qint64 bytes = 0;
+        // Sent instead of running text (the message was refused); keeps replies in order.
+        QString refusal;
+    };
+
+    struct ClientBacklog
+    {
+        int messages = 0;
+        qint64 bytes = 0;
+        bool overflowReported = false; // one refusal per run of refused messages
+        bool authorised = false;       // has sent the API key; pushes go only to such clients
     };
 
     void processQueue();
+    void enqueueRefusal(QWebSocket* client, const QString& error);
+    QJsonObject buildReply(const QString& message, const QByteArray& body, QWebSocket* client);
+    // True when no key is set or the request carries it; strips the key arguments.
+    bool acceptsKey(QMap<QString, QString>& args, const QByteArray& header) const;
+    bool keyMatches(const QByteArray& candidate) const;
     QHttpServerResponse handleHttpRequest(const QHttpServerRequest& request);
     // False (and a console line) when the file is missing, unreadable or outside the folder.
     bool readStaticFile(const QString& path, QByteArray& content, QByteArray& mimeType) const;
@@ -100,4 +145,6 @@ private:
     int m_httpPort = 2336;
     QString m_folder;
     bool m_httpListening = false;
+    QHash<QWebSocket*, ClientBacklog> m_backlog;
+    QByteArray m_apiKeyHash; // SHA-256 of the key; empty when open
 };

@@ -262,6 +262,11 @@ void OrvexSettings::setAPIPort(int value)
     assign(m_apiPort, value, &OrvexSettings::APIPortChanged);
 }
 
+void OrvexSettings::setAPIKey(QString value)
+{
+    assign(m_apiKey, value, &OrvexSettings::APIKeyChanged);
+}
+
 void OrvexSettings::setEngineNodes(int value)
 {
     assign(m_engineNodes, value, &OrvexSettings::EngineNodesChanged);

@@ -507,6 +507,14 @@ class OrvexSettings : public KxSettings
     Q_CLASSINFO("APIPortDisplayName", "HTTP port")
     Q_CLASSINFO("APIPortDescription", "Port of the HTTP command interface")
 
+    Q_PROPERTY(QString APIKey READ getAPIKey WRITE setAPIKey NOTIFY APIKeyChanged)
+    Q_CLASSINFO("APIKeyCategory", "7.API")
+    Q_CLASSINFO("APIKeyDefault", "\"\"")
+    Q_CLASSINFO("APIKeyEditable", "true")
+    Q_CLASSINFO("APIKeyVisibleBound", "APIEnabled:true")
+    Q_CLASSINFO("APIKeyDisplayName", "API key")
+    Q_CLASSINFO("APIKeyDescription", "When set, every command must carry it (argument key or apikey, or header X-Api-Key); empty leaves the interface open")
+
     Q_PROPERTY(int EngineNodes READ getEngineNodes WRITE setEngineNodes NOTIFY EngineNodesChanged)
     Q_CLASSINFO("EngineNodesCategory", "7.API")
     Q_CLASSINFO("EngineNodesDefault", "1")
@@ -573,6 +581,7 @@ public:
     float getSpectrumHanningPercent() const { return m_spectrumHanningPercent; }
     bool getAPIEnabled() const { return m_apiEnabled; }
     int getAPIPort() const { return m_apiPort; }
+    QString getAPIKey() const { return m_apiKey; }
     int getEngineNodes() const { return m_engineNodes; }
 
     void setStorageTime(int value);
@@ -623,6 +632,7 @@ public:
     void setSpectrumHanningPercent(float value);
     void setAPIEnabled(bool value);
     void setAPIPort(int value);
+    void setAPIKey(QString value);
     void setEngineNodes(int value);
 
 Q_SIGNALS:
@@ -674,6 +684,7 @@ Q_SIGNALS:
     void SpectrumHanningPercentChanged();
     void APIEnabledChanged();
     void APIPortChanged();
+    void APIKeyChanged();
     void EngineNodesChanged();
 
 private:
@@ -726,5 +737,6 @@ private:
     float m_spectrumHanningPercent = 0.0f;
     bool m_apiEnabled = false;
     int m_apiPort = 0;
+    QString m_apiKey;
     int m_engineNodes = 1;
 };

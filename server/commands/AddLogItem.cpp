@@ -8,9 +8,13 @@ AddLogItem::AddLogItem(DataServerContext* context, QObject* parent)
 }
 
 namespace {
+// One item is one tab-separated line: neither the key nor the value may hold a tab or a line
+// break, or readers of the log would split it wrongly.
 QString oneLine(QString text)
 {
-    return text.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+    for (const QLatin1Char separator : { QLatin1Char('\r'), QLatin1Char('\n'), QLatin1Char('\t') })
+        text.replace(separator, QLatin1Char(' '));
+    return text;
 }
 }
 
@@ -27,10 +31,8 @@ bool AddLogItem::processCommand(CortexCore* node, Referrer, QJsonObject& respons
         setError(response, QStringLiteral("Record has not been started"));
         return false;
     }
-    // The type becomes the log key. One item is one tab-separated line, so the key may hold
-    // no tab and neither part a line break.
+    // The type becomes the log key.
     QString type = oneLine(argumentCaseInsensitive(args, typeKey, QString()));
-    type.replace(QLatin1Char('\t'), QLatin1Char(' '));
     if (type.trimmed().isEmpty())
         type = QStringLiteral("Message");
     if (!node->addLogItem(oneLine(text), type.trimmed())) {

@@ -78,7 +78,7 @@
       });
       heading.appendChild(exampleButton);
     }
-    var runButton = element("button", "Run");
+    var runButton = element("button", "Run", "run");
     runButton.type = "button";
     runButton.addEventListener("click", function () { run(name); });
     heading.appendChild(runButton);
@@ -103,6 +103,30 @@
   Array.prototype.slice.call(document.getElementsByTagName("cmd")).forEach(function (cmd) {
     buildCommand(cmd, index, names);
   });
+
+  // A link to the page ending in "#run=<command>" runs that command as its Run button does, so
+  // a reply can be shared or bookmarked as a link.
+  function commandOfHash() {
+    var match = /^#run=([^&]*)/.exec(window.location.hash);
+    if (!match) return null;
+    try {
+      return decodeURIComponent(match[1]).trim();
+    } catch (error) {
+      return match[1];
+    }
+  }
+
+  function runFromHash() {
+    var name = commandOfHash();
+    if (name === null) return;
+    var section = document.getElementById(name.toLowerCase());
+    var button = section && section.classList.contains("command") && section.querySelector("button.run");
+    if (button) button.click();
+    else showConsole("Unknown command '" + name + "'", true);
+  }
+
+  runFromHash();
+  window.addEventListener("hashchange", runFromHash);
 
   document.getElementById("open-console").addEventListener("click", function () {
     consoleBox.classList.remove("hidden");

@@ -426,6 +426,193 @@ private Q_SLOTS:
         delete server;
     }
 
+    void oversizedInputIsRefused()
+    {
+        EchoDevices* echoDevices = nullptr;
+        TestServer* server = makeServer(&echoDevices);
+        server->start();
+        const int port = server->portHTTP();
+
+        // curl posts from a file: large uploads are its everyday work.
+        const auto post = [&](qint64 size) {
+            QFile file(m_root.filePath("body.bin"));
+            file.open(QIODevice::WriteOnly);
+            file.write(QByteArray(size, 'x'));
+            file.close();
+            return QJsonDocument::fromJson(curl({ "-H", "Expect:", "-H", "Content-Type: text/plain", "--data-binary",
+                                                  "@" + file.fileName(),
+                                                  QStringLiteral("http://127.0.0.1:%1/echoDevices").arg(port) }))
+                .object();
+        };
+        const QJsonObject big = post(HTWSServer::MaxRequestBodyBytes + 1);
+        QCOMPARE(big.value("result"), QJsonValue(false));
+        QCOMPARE(big.value("error").toString(), QString("Request body too large: at most 16777216 bytes"));
+        QCOMPARE(echoDevices->calls, 0);
+
+        // Far beyond the limit the connection is dropped instead of buffered; the server goes on.
+        QVERIFY(post(HTWSServer::MaxUnansweredHttpBytes + 1024 * 1024).isEmpty());
+        QCOMPARE(get(port, "echoDevices").json().value("result"), QJsonValue(true));
+
+        // Sizes are UTF-8 bytes: "é" counts two. Exactly at the limit runs, one byte more is refused.
+        QWebSocket* client = connectClient(server->portWebSocket(), this);
+        QSignalSpy texts(client, &QWebSocket::textMessageReceived);
+        const QString prefix = "echoDevices?v=";
+        const QString atLimit = prefix + QString((HTWSServer::MaxMessageBytes - prefix.size()) / 2, QChar(0xe9));
+        client->sendTextMessage(atLimit);
+        client->sendTextMessage(atLimit + "x");
+        client->sendTextMessage("echoDevices?after=1");
+        QTRY_COMPARE(texts.size(), 3);
+        QCOMPARE(parse(texts[0].first().toString()).value("result"), QJsonValue(true));
+        const QJsonObject refused = parse(texts[1].first().toString());
+        QCOMPARE(refused.value("result"), QJsonValue(false));
+        QCOMPARE(refused.value("error").toString(), QString("Message too large: at most 1048576 bytes"));
+        QCOMPARE(parse(texts[2].first().toString()).value("args").toObject().value("after").toString(), QString("1"));
+        QCOMPARE(echoDevices->calls, 3);
+
+        // Beyond the hard cap the server closes the connection with "too much data".
+        QSignalSpy closed(client, &QWebSocket::disconnected);
+        client->sendTextMessage(QString(HTWSServer::MaxReceivedMessageBytes + 1, 'x'));
+        QTRY_COMPARE_WITH_TIMEOUT(closed.size(), 1, 20000);
+        QCOMPARE(client->closeCode(), QWebSocketProtocol::CloseCodeTooMuchData);
+        QTRY_COMPARE(server->clientCount(), 0);
+        QCOMPARE(echoDevices->calls, 3);
+        delete client;
+        delete server;
+    }
+
+    void floodingClientIsBoundedOthersServed()
+    {
+        EchoDevices* echoDevices = nullptr;
+        TestServer* server = makeServer(&echoDevices);
+        server->start();
+        QWebSocket* flooder = connectClient(server->portWebSocket(), this);
+        QWebSocket* polite = connectClient(server->portWebSocket(), this);
+        QTRY_COMPARE(server->clientCount(), 2);
+        QSignalSpy flooderTexts(flooder, &QWebSocket::textMessageReceived);
+        QSignalSpy politeTexts(polite, &QWebSocket::textMessageReceived);
+
+        for (int i = 0; i < 5000; ++i)
+            flooder->sendTextMessage(QStringLiteral("echoDevices?i=%1").arg(i));
+        polite->sendTextMessage("echoDevices?from=polite");
+        QTRY_COMPARE(politeTexts.size(), 1);
+        QCOMPARE(parse(politeTexts.first().first().toString()).value("args").toObject().value("from").toString(),
+                 QString("polite"));
+
+        // Let the flood settle: every message is either answered or refused, refusals once per run.
+        QTRY_VERIFY(echoDevices->calls > 1 && flooderTexts.size() >= echoDevices->calls);
+        QTest::qWait(200);
+        int refusals = 0;
+        int answered = 0;
+        int lastIndex = -1;
+        for (const QList<QVariant>& text : std::as_const(flooderTexts)) {
+            const QJsonObject reply = parse(text.first().toString());
+            if (reply.value("result").toBool()) {
+                const int index = reply.value("args").toObject().value("i").toString().toInt();
+                QVERIFY(index > lastIndex); // accepted ones keep their order
+                lastIndex = index;
+                ++answered;
+            } else {
+                QCOMPARE(reply.value("error").toString(),
+                         QString("Too many pending messages (at most 1000 per client): message refused"));
+                ++refusals;
+            }
+        }
+        QVERIFY2(refusals >= 1 && answered < 5000, qPrintable(QString("%1 answered").arg(answered)));
+        QCOMPARE(answered + 1, echoDevices->calls);
+        QCOMPARE(answered + refusals, int(flooderTexts.size()));
+
+        // Once drained, the flooder is served again and the server stays alive for everyone.
+        flooder->sendTextMessage("echoDevices?i=last");
+        QTRY_COMPARE(flooderTexts.size(), answered + refusals + 1);
+        QCOMPARE(parse(flooderTexts.last().first().toString()).value("result"), QJsonValue(true));
+        QCOMPARE(get(server->portHTTP(), "echoDevices").json().value("result"), QJsonValue(true));
+        delete flooder;
+        delete polite;
+        delete server;
+    }
+
+    void apiKey_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<bool>("runs");
+        QTest::addColumn<QVariantMap>("args"); // what the command saw
+        QTest::newRow("none") << "echoDevices" << QByteArray() << false << QVariantMap {};
+        QTest::newRow("wrong") << "echoDevices?key=s3cret%3F" << QByteArray() << false << QVariantMap {};
+        QTest::newRow("prefix") << "echoDevices?key=s3cret" << QByteArray() << false << QVariantMap {};
+        QTest::newRow("argument") << "echoDevices?key=s3cret%21&a=1" << QByteArray() << true
+                                  << QVariantMap { { "a", "1" } };
+        QTest::newRow("apikey argument") << "echoDevices?ApiKey=s3cret%21" << QByteArray() << true << QVariantMap {};
+        QTest::newRow("header, setting key kept")
+            << "echoDevices?key=APIPort" << QByteArray("s3cret!") << true << QVariantMap { { "key", "APIPort" } };
+        QTest::newRow("wrong header") << "echoDevices" << QByteArray("S3CRET!") << false << QVariantMap {};
+    }
+
+    void apiKey()
+    {
+        QFETCH(QString, path);
+        QFETCH(QByteArray, header);
+        QFETCH(bool, runs);
+        QFETCH(QVariantMap, args);
+        EchoDevices* echoDevices = nullptr;
+        TestServer* server = makeServer(&echoDevices);
+        server->setApiKey("s3cret!");
+        QStringList arguments { QStringLiteral("http://127.0.0.1:%1/").arg(server->portHTTP()) + path };
+        if (!header.isEmpty())
+            arguments << "-H" << "x-api-key: " + QString::fromUtf8(header); // header names ignore case
+        const QJsonObject reply = QJsonDocument::fromJson(curl(arguments)).object();
+        QCOMPARE(reply.value("command").toString(), QString("echodevices"));
+        QCOMPARE(reply.value("result").toBool(), runs);
+        QCOMPARE(echoDevices->calls, runs ? 1 : 0);
+        if (runs)
+            QCOMPARE(reply.value("args").toObject().toVariantMap(), args);
+        else
+            QCOMPARE(reply.value("error").toString(), QString("Missing or wrong API key"));
+
+        // Pages stay readable; the same key rules hold for WebSocket messages.
+        QCOMPARE(get(server->portHTTP(), "about.html").body, QByteArray("<html>about</html>"));
+        server->start();
+        QWebSocket* client = connectClient(server->portWebSocket(), this);
+        QSignalSpy texts(client, &QWebSocket::textMessageReceived);
+        client->sendTextMessage(QString(path).replace("%21", "!")); // WebSocket text is not decoded
+        client->sendTextMessage(R"({"command":"echoDevices","Key":"s3cret!","b":"2"})");
+        QTRY_COMPARE(texts.size(), 2);
+        const bool viaMessage = runs && header.isEmpty();
+        QCOMPARE(parse(texts[0].first().toString()).value("result").toBool(), viaMessage);
+        QCOMPARE(parse(texts[1].first().toString()).value("args").toObject().toVariantMap(),
+                 (QVariantMap { { "b", "2" } }));
+        delete client;
+
+        server->setApiKey(QString());
+        QCOMPARE(get(server->portHTTP(), "echoDevices").json().value("result"), QJsonValue(true));
+        delete server;
+    }
+
+    void pushesOnlyReachClientsWithTheKey()
+    {
+        TestServer* server = makeServer();
+        server->setApiKey("k");
+        server->start();
+        QWebSocket* stranger = connectClient(server->portWebSocket(), this);
+        QWebSocket* member = connectClient(server->portWebSocket(), this);
+        QTRY_COMPARE(server->clientCount(), 2);
+        QSignalSpy strangerTexts(stranger, &QWebSocket::textMessageReceived);
+        QSignalSpy memberTexts(member, &QWebSocket::textMessageReceived);
+        stranger->sendTextMessage("echoDevices");
+        member->sendTextMessage("echoDevices?key=k");
+        QTRY_COMPARE(memberTexts.size(), 1);
+        QTRY_COMPARE(strangerTexts.size(), 1);
+        server->sendToAll("pushed");
+        QTRY_COMPARE(memberTexts.size(), 2);
+        QCOMPARE(memberTexts.last().first().toString(), QString("pushed"));
+        stranger->sendTextMessage("echoDevices"); // answered after the push would have arrived
+        QTRY_COMPARE(strangerTexts.size(), 2);
+        QVERIFY(strangerTexts.last().first().toString() != "pushed");
+        delete stranger;
+        delete member;
+        delete server;
+    }
+
     void busyPortIsNotFatal()
     {
         QTcpServer occupant;
