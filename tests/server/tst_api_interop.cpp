@@ -2,6 +2,7 @@
 // the python websockets package (api_client_reference.py), MNE for the recorded EDF, wrk for
 // HTTP load, many asyncio WebSocket clients (api_load.py) and a headless browser running the
 // reference page. One program serves every case in turn; "close" ends it last.
+#include "RegisteredCommands.h"
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -208,17 +209,7 @@ private Q_SLOTS:
     // The sections above together sent each registered command at least once.
     void everyCommandWasChecked()
     {
-        const QStringList commands = {
-            "meditation", "meditationhistory", "concentration", "concentrationhistory", "bci", "bcis",
-            "enabledatagrabmode", "disabledatagrabmode", "setdatastoragetime", "getdatastoragetime", "getfilters",
-            "setfilters", "setlpf", "setbsf", "sethpf", "filtereddata", "grabfiltereddata", "rawdata", "grabrawdata",
-            "addedfannotation", "rhythms", "rhythmshistory", "lastspectrum", "grabspectrum", "getspectrum",
-            "startrecord", "stoprecord", "pauserecord", "continuerecord", "addfiletorecord", "getuserrecords",
-            "records", "startsearch", "stopsearch", "listdevices", "devicecount", "getdeviceinfo", "startdevice",
-            "currentdeviceinfo", "currentdevicesinfo", "makefavorite", "getfavoritedevicename", "setmontage",
-            "version", "controloptions", "close", "addlogitem", "screeninfo", "getallsettings", "getsettings",
-            "setsettings", "usermanage", "gamemanage", "openlink"
-        };
+        const QStringList commands = registeredCommandWords();
         QStringList missing;
         for (const QString& command : commands) {
             if (!m_covered.contains(command))

@@ -1,6 +1,7 @@
 // The assembled API server driven by real clients over real sockets: an HTTP client, two
 // WebSocket clients and, when installed, a headless browser that runs the reference page.
 #include "FakeServerContext.h"
+#include "RegisteredCommands.h"
 #include "server/CommandReferencePage.h"
 #include "server/HTWSCommand.h"
 #include "server/OrvexDataServer.h"
@@ -73,17 +74,7 @@ private Q_SLOTS:
 
     void registersTheCommandSetInOrder()
     {
-        const QStringList expected = {
-            "meditation", "meditationhistory", "concentration", "concentrationhistory", "bci", "bcis",
-            "enabledatagrabmode", "disabledatagrabmode", "setdatastoragetime", "getdatastoragetime", "getfilters",
-            "setfilters", "setlpf", "setbsf", "sethpf", "filtereddata", "grabfiltereddata", "rawdata", "grabrawdata",
-            "addedfannotation", "rhythms", "rhythmshistory", "lastspectrum", "grabspectrum", "getspectrum",
-            "startrecord", "stoprecord", "pauserecord", "continuerecord", "addfiletorecord", "getuserrecords",
-            "records", "startsearch", "stopsearch", "listdevices", "devicecount", "getdeviceinfo", "startdevice",
-            "currentdeviceinfo", "currentdevicesinfo", "makefavorite", "getfavoritedevicename", "setmontage",
-            "version", "controloptions", "close", "addlogitem", "screeninfo", "getallsettings", "getsettings",
-            "setsettings", "usermanage", "gamemanage", "openlink"
-        };
+        const QStringList expected = registeredCommandWords();
         QStringList names;
         for (HTWSCommand* command : m_server->getCommands())
             names << command->name();
