@@ -128,11 +128,11 @@ void walkProvider(const QString& path)
 
 void checkChannelSpecification(const QString& first, const QString& second, const QStringList& names)
 {
-    ChannelSpecification spec(first);
-    spec.getIndexes();
-    spec.update(names, QStringLiteral("fuzz"));
-    const auto checkIndexes = [&spec, &names]() {
-        const QList<int>& indexes = spec.getIndexes();
+    ChannelSpecification selection(first);
+    selection.getIndexes();
+    selection.update(names, QStringLiteral("fuzz"));
+    const auto checkIndexes = [&selection, &names]() {
+        const QList<int>& indexes = selection.getIndexes();
         for (int i = 0; i < indexes.size(); ++i) {
             require(indexes[i] >= 0, "negative channel index");
             require(names.isEmpty() || indexes[i] < names.size(), "channel index beyond the names");
@@ -140,10 +140,10 @@ void checkChannelSpecification(const QString& first, const QString& second, cons
         }
     };
     checkIndexes();
-    spec.setText(second, QStringLiteral("fuzz"));
+    selection.setText(second, QStringLiteral("fuzz"));
     checkIndexes();
-    spec.update({}, QStringLiteral("fuzz"));
-    spec.getUnknown();
+    selection.update({}, QStringLiteral("fuzz"));
+    selection.getUnknown();
 }
 
 void checkAmplifierChannel(const AmplifierChannel& channel)
