@@ -10,28 +10,31 @@ double JsonChannelData::truncateToHundredths(float value)
     return double(std::trunc(scaled)) / 100.0;
 }
 
-QJsonArray JsonChannelData::truncatedChannels(const QList<QList<float>>& channels)
+namespace {
+
+template<typename Convert>
+QJsonArray channelArrays(const QList<QList<float>>& channels, Convert convert)
 {
     QJsonArray result;
     for (const QList<float>& channel : channels) {
         QJsonArray values;
         for (float sample : channel)
-            values.append(truncateToHundredths(sample));
+            values.append(convert(sample));
         result.append(values);
     }
     return result;
 }
 
+} // namespace
+
+QJsonArray JsonChannelData::truncatedChannels(const QList<QList<float>>& channels)
+{
+    return channelArrays(channels, truncateToHundredths);
+}
+
 QJsonArray JsonChannelData::channels(const QList<QList<float>>& channels)
 {
-    QJsonArray result;
-    for (const QList<float>& channel : channels) {
-        QJsonArray values;
-        for (float sample : channel)
-            values.append(double(sample));
-        result.append(values);
-    }
-    return result;
+    return channelArrays(channels, [](float sample) { return double(sample); });
 }
 
 QJsonArray JsonChannelData::timestamped(const QList<TimestampedData>& history)

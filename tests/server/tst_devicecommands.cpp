@@ -12,55 +12,13 @@
 #include "server/commands/StopSearch.h"
 #include "server/FakeServerContext.h"
 
+#include "support/FakeDevices.h"
+
 #include <QBluetoothAddress>
 #include <QJsonArray>
 #include <QtTest>
 
 using Args = QMap<QString, QString>;
-
-// A headset that opens and starts without a radio.
-class StubHeadset : public AbstractDevice
-{
-    Q_OBJECT
-public:
-    StubHeadset(const QString& name, int channels, QObject* parent)
-        : AbstractDevice(parent)
-    {
-        m_name = name;
-        m_channelCount = channels;
-        for (int i = 0; i < channels; ++i)
-            m_channelNames.append(QStringLiteral("E%1").arg(i + 1));
-    }
-    bool open() override { return true; }
-    void close() override {}
-    bool start(int frequency) override
-    {
-        m_samplingRate = float(frequency);
-        return true;
-    }
-    void stop() override {}
-    bool hasBattery() override { return false; }
-    bool hasImpedance() override { return false; }
-    QString deviceType() override { return QStringLiteral("Stub"); }
-    QString deviceVersion() override { return QStringLiteral("1"); }
-};
-
-// A Bluetooth search that finds the listed names and ends.
-class StubDiscovery : public AbstractDeviceDiscovery
-{
-    Q_OBJECT
-public:
-    using AbstractDeviceDiscovery::AbstractDeviceDiscovery;
-    bool prepareAdapter() override { return true; }
-    void start() override
-    {
-        for (const QString& name : std::as_const(visible))
-            Q_EMIT deviceDiscovered(QBluetoothDeviceInfo(QBluetoothAddress(), name, 0));
-        Q_EMIT finished();
-    }
-    void stop() override {}
-    QStringList visible;
-};
 
 // Device commands through the command objects, on engines that find the generator and two
 // stub headsets, "OX8G (0031)" (8 channels) and "OX4 (7777)" (4 channels).
@@ -74,11 +32,11 @@ class TestDeviceCommands : public QObject
 
     void findHeadsets(CortexCore* core, const QStringList& names)
     {
-        auto* discovery = new StubDiscovery(core);
+        auto* discovery = new FakeDiscovery(core);
         discovery->visible = names;
         core->setDeviceDiscovery(discovery);
         core->setHeadsetFactory([](const QBluetoothDeviceInfo& info, QObject* owner) {
-            return new StubHeadset(info.name(), info.name().startsWith(QLatin1String("OX4")) ? 4 : 8, owner);
+            return new TestHeadset(info.name(), info.name().startsWith(QLatin1String("OX4")) ? 4 : 8, owner);
         });
     }
 
