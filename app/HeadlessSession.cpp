@@ -13,7 +13,7 @@
 
 #include <cstdio>
 
-HeadlessSession::HeadlessSession(OrvexModel* model, const HeadlessOptions& options, QObject* parent)
+HeadlessSession::HeadlessSession(OrvexModel* model, const CommandLineOptions& options, QObject* parent)
     : QObject(parent)
     , m_model(model)
     , m_options(options)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/CsvStreamWriter.h"
-#include "app/HeadlessOptions.h"
+#include "app/CommandLineOptions.h"
 #include "core/CortexDataResult.h"
 
 #include <QObject>
@@ -15,7 +15,7 @@ class HeadlessSession : public QObject
 {
     Q_OBJECT
 public:
-    HeadlessSession(OrvexModel* model, const HeadlessOptions& options, QObject* parent = nullptr);
+    HeadlessSession(OrvexModel* model, const CommandLineOptions& options, QObject* parent = nullptr);
 
     // False with `error` set when the session cannot start.
     bool start(QString& error);
@@ -42,7 +42,7 @@ private:
     static constexpr int SearchTimeoutMs = 3000;
 
     OrvexModel* m_model;
-    HeadlessOptions m_options;
+    CommandLineOptions m_options;
     CsvStreamWriter m_csv;
     CsvStreamWriter m_metrics;
     bool m_csvOpen = false;

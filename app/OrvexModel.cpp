@@ -1,5 +1,6 @@
 #include "app/OrvexModel.h"
 
+#include "app/ui/UiModel.h"
 #include "core/CortexCore.h"
 #include "server/CommandReferencePage.h"
 #include "server/OrvexDataServer.h"
@@ -20,13 +21,14 @@ namespace {
 const QStringList FeedbackScreens = { QStringLiteral("bars"), QStringLiteral("balloon"), QStringLiteral("spectrum") };
 }
 
-OrvexModel::OrvexModel(QObject* parent)
+OrvexModel::OrvexModel(OrvexSettings* settings, QObject* parent)
     : DataServerContext(parent)
-    , m_settings(new OrvexSettings(this))
+    , m_settings(settings ? settings : new OrvexSettings)
     , m_virtualDevices(new VirtualDevicesSettings(this))
     , m_accounts(new UserAccountStore(UserAccountStore::defaultFilePath(), this))
     , m_feedbackScreen(FeedbackScreens.first())
 {
+    m_settings->setParent(this);
     CortexCore::Use_FIR = m_settings->getUseFIR();
     const int nodes = qMax(1, m_settings->getEngineNodes());
     for (int i = 0; i < nodes; ++i)
@@ -215,4 +217,32 @@ bool OrvexModel::openLink(const QUrl& url)
         return false;
     }
     return QDesktopServices::openUrl(url);
+}
+
+UiModel* OrvexModel::createUiModel(const QString& title)
+{
+    if (!m_ui)
+        m_ui = new UiModel(this, title, this);
+    return m_ui;
+}
+
+void OrvexModel::onRecordStarted(const QString& path)
+{
+    Q_EMIT statusMessage(QStringLiteral("Recording to ") + path);
+}
+
+void OrvexModel::onRecordStopped(const QList<QString>& paths, float durationSeconds)
+{
+    const QString text = QStringLiteral("Recording of %1 s saved: %2")
+                             .arg(double(durationSeconds), 0, 'f', 1)
+                             .arg(paths.isEmpty() ? QString() : paths.first());
+    GlobalConsole::writeLine(text);
+    Q_EMIT statusMessage(text);
+}
+
+void OrvexModel::onDeviceStopped()
+{
+    // A lost headset pauses the recording until the engine has reconnected it.
+    Q_EMIT statusMessage(engine()->isRecording() ? QStringLiteral("Device stopped: the recording is paused")
+                                                 : QStringLiteral("Device stopped"));
 }

@@ -8,6 +8,7 @@
 class CortexCore;
 class KxSettings;
 class OrvexDataServer;
+class UiModel;
 
 // The application model: owns the settings, the engine nodes and the data server, and keeps
 // the engines in step with the settings. Node 0 is the one the window and the command line
@@ -16,7 +17,8 @@ class OrvexModel : public DataServerContext
 {
     Q_OBJECT
 public:
-    explicit OrvexModel(QObject* parent = nullptr);
+    // Takes ownership of `settings`; makes its own when none is given.
+    explicit OrvexModel(OrvexSettings* settings = nullptr, QObject* parent = nullptr);
     ~OrvexModel() override;
 
     CortexCore* engine() const { return m_engines.first(); }
@@ -52,9 +54,21 @@ public:
     void closeApplication() override;
     bool openLink(const QUrl& url) override;
 
+    // The window's model objects, made once when the window is wanted; headless runs have none.
+    UiModel* createUiModel(const QString& title);
+    UiModel* uiModel() const { return m_ui; }
+
+public Q_SLOTS:
+    // Handlers of the first node's recording and device events (connected at start-up).
+    void onRecordStarted(const QString& path);
+    void onRecordStopped(const QList<QString>& paths, float durationSeconds);
+    void onDeviceStopped();
+
 Q_SIGNALS:
     // A client asked the application to close; the owner of the run finishes it cleanly.
     void closeRequested();
+    // A line for the window's status bar.
+    void statusMessage(const QString& text);
 
 private:
     CortexCore* createEngine();
@@ -68,4 +82,5 @@ private:
     UserAccountStore* m_accounts = nullptr;
     OrvexDataServer* m_server = nullptr;
     QString m_feedbackScreen;
+    UiModel* m_ui = nullptr;
 };

@@ -32,6 +32,11 @@ void OrvexSettings::setFavouriteDevice(QString value)
     assign(m_favouriteDevice, value, &OrvexSettings::FavouriteDeviceChanged);
 }
 
+void OrvexSettings::setStartFavouriteDevice(bool value)
+{
+    assign(m_startFavouriteDevice, value, &OrvexSettings::StartFavouriteDeviceChanged);
+}
+
 void OrvexSettings::setLoggingEnabled(bool value)
 {
     assign(m_loggingEnabled, value, &OrvexSettings::LoggingEnabledChanged);

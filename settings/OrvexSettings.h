@@ -28,6 +28,13 @@ class OrvexSettings : public KxSettings
     Q_CLASSINFO("FavouriteDeviceDisplayName", "Favourite device")
     Q_CLASSINFO("FavouriteDeviceDescription", "Device connected first when found; empty for none")
 
+    Q_PROPERTY(bool StartFavouriteDevice READ getStartFavouriteDevice WRITE setStartFavouriteDevice NOTIFY StartFavouriteDeviceChanged)
+    Q_CLASSINFO("StartFavouriteDeviceCategory", "1.Common")
+    Q_CLASSINFO("StartFavouriteDeviceDefault", "true")
+    Q_CLASSINFO("StartFavouriteDeviceEditable", "true")
+    Q_CLASSINFO("StartFavouriteDeviceDisplayName", "Start the favourite device")
+    Q_CLASSINFO("StartFavouriteDeviceDescription", "Start the favourite device as soon as the search finds it")
+
     Q_PROPERTY(bool LoggingEnabled READ getLoggingEnabled WRITE setLoggingEnabled NOTIFY LoggingEnabledChanged)
     Q_CLASSINFO("LoggingEnabledCategory", "1.Common")
     Q_CLASSINFO("LoggingEnabledDefault", "false")
@@ -535,6 +542,7 @@ public:
 
     int getStorageTime() const { return m_storageTime; }
     QString getFavouriteDevice() const { return m_favouriteDevice; }
+    bool getStartFavouriteDevice() const { return m_startFavouriteDevice; }
     bool getLoggingEnabled() const { return m_loggingEnabled; }
     float getHPF() const { return m_hpf; }
     float getLPF() const { return m_lpf; }
@@ -586,6 +594,7 @@ public:
 
     void setStorageTime(int value);
     void setFavouriteDevice(QString value);
+    void setStartFavouriteDevice(bool value);
     void setLoggingEnabled(bool value);
     void setHPF(float value);
     void setLPF(float value);
@@ -638,6 +647,7 @@ public:
 Q_SIGNALS:
     void StorageTimeChanged();
     void FavouriteDeviceChanged();
+    void StartFavouriteDeviceChanged();
     void LoggingEnabledChanged();
     void HPFChanged();
     void LPFChanged();
@@ -691,6 +701,7 @@ private:
     // Start values only until initialize() applies the declared defaults.
     int m_storageTime = 0;
     QString m_favouriteDevice;
+    bool m_startFavouriteDevice = true;
     bool m_loggingEnabled = false;
     float m_hpf = 0.0f;
     float m_lpf = 0.0f;

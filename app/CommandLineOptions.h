@@ -5,8 +5,8 @@
 #include <QString>
 #include <QStringList>
 
-// What the command line asks of a run without a window.
-struct HeadlessOptions
+// What the command line asks of a run, with or without a window.
+struct CommandLineOptions
 {
     bool headless = false;
     bool help = false;
@@ -23,9 +23,18 @@ struct HeadlessOptions
     int apiPort = 0;     // 0: the APIPort setting
     bool noApi = false;
     QList<QPair<QString, QString>> settings; // --set Key=Value, in order
+    bool deviceGiven = false; // the window starts a device only when asked to
+    QString uiFile;           // the window's interface from this file instead of the resources
+
+    // Asked for, or implied by an option that only a run without a window has.
+    bool runsWithoutWindow() const
+    {
+        return headless || help || version || printSettings || durationSeconds > 0 || record || speed != 1
+            || !csvPath.isEmpty() || !csvMetricsPath.isEmpty();
+    }
 
     // Fills `options` from the arguments (program name first); false with `error` set when
     // the command line is wrong.
-    static bool parse(const QStringList& arguments, HeadlessOptions& options, QString& error);
+    static bool parse(const QStringList& arguments, CommandLineOptions& options, QString& error);
     static QString usage();
 };

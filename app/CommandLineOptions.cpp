@@ -1,4 +1,4 @@
-#include "app/HeadlessOptions.h"
+#include "app/CommandLineOptions.h"
 
 namespace {
 bool takeValue(const QStringList& arguments, int& i, QString& value, QString& error)
@@ -13,7 +13,7 @@ bool takeValue(const QStringList& arguments, int& i, QString& value, QString& er
 }
 }
 
-bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& options, QString& error)
+bool CommandLineOptions::parse(const QStringList& arguments, CommandLineOptions& options, QString& error)
 {
     for (int i = 1; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
@@ -31,6 +31,7 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
         } else if (argument == QLatin1String("--device")) {
             if (!takeValue(arguments, i, options.device, error))
                 return false;
+            options.deviceGiven = true;
             const bool file = options.device.endsWith(QLatin1String(".edf"), Qt::CaseInsensitive)
                 || options.device.endsWith(QLatin1String(".bdf"), Qt::CaseInsensitive);
             if (options.device != QLatin1String("generator") && options.device != QLatin1String("headset-sim")
@@ -76,6 +77,9 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
                 error = QStringLiteral("--api-port needs a port from 1 to 65535, not '%1'").arg(value);
                 return false;
             }
+        } else if (argument == QLatin1String("--ui")) {
+            if (!takeValue(arguments, i, options.uiFile, error))
+                return false;
         } else if (argument == QLatin1String("--no-api")) {
             options.noApi = true;
         } else if (argument == QLatin1String("--set")) {
@@ -100,16 +104,19 @@ bool HeadlessOptions::parse(const QStringList& arguments, HeadlessOptions& optio
     return true;
 }
 
-QString HeadlessOptions::usage()
+QString CommandLineOptions::usage()
 {
     return QStringLiteral(
-        "Usage: orvexpro --headless [options]\n"
-        "Streams an EEG device through the engine without a window.\n"
+        "Usage: orvexpro [options]            the window\n"
+        "       orvexpro --headless [options] streaming without a window\n"
+        "Without a display, and with --duration, --record, --csv, --csv-metrics or --speed,\n"
+        "the run has no window.\n"
         "\n"
         "  --device generator|headset-sim|FILE.edf|FILE.bdf\n"
-        "                       the device to stream: the signal generator (default), a\n"
-        "                       simulated Bluetooth headset (faults: the HeadsetSim...\n"
-        "                       settings), or a recording played in real time, looping\n"
+        "                       the device to stream: the signal generator (default without a\n"
+        "                       window; the window starts none unless asked), a simulated\n"
+        "                       Bluetooth headset (faults: the HeadsetSim... settings), or a\n"
+        "                       recording played in real time, looping\n"
         "  --speed FACTOR       playback speed of a recording: 1 real time (default), 0 every\n"
         "                       sample once as fast as possible, then exit\n"
         "  --duration SECONDS   stop, close the files and exit 0 after that much streaming\n"
@@ -125,6 +132,7 @@ QString HeadlessOptions::usage()
         "  --set Key=Value      change a setting for this run (repeatable; see --print-settings)\n"
         "  --print-settings     print every setting with its type, value and range as JSON\n"
         "  --verbose            echo the engine's console on stderr\n"
+        "  --ui FILE            the window's interface from FILE instead of the built-in one\n"
         "  --version            print the version\n"
         "  --help               print this help\n"
         "\n"

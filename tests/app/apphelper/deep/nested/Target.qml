@@ -1,0 +1,1 @@
+deep/nested/Target.qml

@@ -1,0 +1,114 @@
+// The program's start and end as a user meets them: a second start, a broken interface, a
+// recording that must survive the window being ended.
+#include "formats/EDFReader.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+class StartupTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_home;
+
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("HOME"), m_home.path());
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
+        env.insert(QStringLiteral("TMPDIR"), m_home.path());
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+        return env;
+    }
+
+    // A window that has drawn its first frame, with the console on stderr.
+    void startWindow(QProcess& process, const QStringList& arguments)
+    {
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(ORVEX_BINARY), QStringList { "--verbose" } + arguments);
+        QVERIFY(process.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(process.readAllStandardError().contains("First frame after"), 20000);
+    }
+
+    static QByteArray httpGet(int port, const QString& path)
+    {
+        QNetworkAccessManager manager;
+        QNetworkReply* reply = manager.get(QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:%1/%2").arg(port).arg(path))));
+        QEventLoop wait;
+        connect(reply, &QNetworkReply::finished, &wait, &QEventLoop::quit);
+        wait.exec();
+        reply->deleteLater();
+        return reply->readAll();
+    }
+
+private Q_SLOTS:
+    // A second start hands over to the running window, which comes to the front.
+    void secondStartRaisesTheFirst()
+    {
+        QProcess first;
+        startWindow(first, { "--no-api" });
+        QProcess second;
+        second.setProcessEnvironment(environment());
+        second.start(QStringLiteral(ORVEX_BINARY), { "--no-api" });
+        QVERIFY(second.waitForFinished(15000));
+        QCOMPARE(second.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(second.exitCode(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(first.readAllStandardError().contains("raising it"), 5000);
+        ::kill(pid_t(first.processId()), SIGTERM);
+        QVERIFY(first.waitForFinished(10000));
+        QCOMPARE(first.exitCode(), 0);
+    }
+
+    void brokenInterfaceEndsWithMinusOne()
+    {
+        const QString broken = m_home.filePath(QStringLiteral("broken.qml"));
+        QFile file(broken);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("import QtQuick\nItem { this is not QML }\n");
+        file.close();
+        QProcess process;
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(ORVEX_BINARY), { "--no-api", "--ui", broken });
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(process.exitCode(), 255); // -1 as a process exit status
+        QVERIFY(process.readAllStandardError().contains("could not be loaded"));
+    }
+
+    // Ended from outside while recording: the file is closed and whole.
+    void terminationClosesTheRecording()
+    {
+        QTcpServer probe;
+        QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
+        const int port = probe.serverPort();
+        probe.close();
+        const QString folder = m_home.filePath(QStringLiteral("records"));
+        QProcess process;
+        startWindow(process, { "--device", "generator", "--api-port", QString::number(port), "--set",
+                               "DataFolder=" + folder });
+        QTRY_VERIFY_WITH_TIMEOUT(QJsonDocument::fromJson(httpGet(port, QStringLiteral("startRecord"))).object().value("result").toBool(), 10000);
+        QTest::qWait(2500);
+        ::kill(pid_t(process.processId()), SIGTERM);
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.exitCode(), 0);
+        const QStringList files = QDir(folder).entryList({ QStringLiteral("*.edf") });
+        QCOMPARE(files.size(), 1);
+        EDFReader reader(QDir(folder).filePath(files.first()));
+        QVERIFY(reader.open());
+        QVERIFY(reader.getChannelCount() > 0);
+        QVERIFY(reader.getChannelData(0, 0, 250).size() == 250);
+    }
+};
+
+QTEST_GUILESS_MAIN(StartupTest)
+#include "tst_startup.moc"

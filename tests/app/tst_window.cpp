@@ -1,0 +1,292 @@
+// The real window on the generator under a real X server: what a person sees on each screen.
+#include "app/CommandLineOptions.h"
+#include "app/DesktopStartup.h"
+#include "app/OrvexModel.h"
+#include "app/ui/UiModel.h"
+#include "core/CortexCore.h"
+#include "formats/EDFReader.h"
+#include "server/OrvexDataServer.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+constexpr double GeneratorHz = 10;
+QTemporaryDir* s_home = nullptr;
+int s_apiPort = 0;
+
+QByteArray httpGet(const QString& path)
+{
+    QNetworkAccessManager manager;
+    QNetworkReply* reply = manager.get(QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:%1/%2").arg(s_apiPort).arg(path))));
+    QEventLoop wait;
+    QObject::connect(reply, &QNetworkReply::finished, &wait, &QEventLoop::quit);
+    wait.exec();
+    reply->deleteLater();
+    return reply->readAll();
+}
+
+int countDifferent(const QImage& image, QRgb background)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const QRgb* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            count += qGray(line[x]) - qGray(background) > 40 || qGray(background) - qGray(line[x]) > 40;
+    }
+    return count;
+}
+}
+
+class WindowTest : public QObject
+{
+    Q_OBJECT
+public:
+    explicit WindowTest(DesktopStartup* startup)
+        : m_startup(startup)
+    {
+    }
+
+private:
+    UiModel* ui() const { return m_startup->ui(); }
+    QQuickWindow* window() const { return m_startup->window(); }
+
+    QQuickItem* item(const char* name) const
+    {
+        auto* found = window()->contentItem()->findChild<QQuickItem*>(QLatin1String(name));
+        if (!found)
+            found = window()->findChild<QQuickItem*>(QLatin1String(name));
+        return found;
+    }
+
+    QImage grab() const { return window()->grabWindow().convertToFormat(QImage::Format_ARGB32); }
+
+    // The part of the window an item covers, in the grabbed image's pixels.
+    QImage grabItem(QQuickItem* shown) const
+    {
+        const QImage whole = grab();
+        const qreal ratio = whole.width() / qreal(window()->width());
+        const QRectF area = shown->mapRectToScene(QRectF(0, 0, shown->width(), shown->height()));
+        return whole.copy(QRectF(area.topLeft() * ratio, area.size() * ratio).toRect());
+    }
+
+    void show(int screen, const QString& name)
+    {
+        ui()->setCurrentScreen(screen);
+        QTest::qWait(300);
+        const QString folder = qEnvironmentVariable("ORVEX_SCREENSHOT_DIR");
+        if (!folder.isEmpty()) {
+            QDir().mkpath(folder);
+            grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
+        }
+    }
+
+    DesktopStartup* m_startup;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(window());
+        QVERIFY(QTest::qWaitForWindowExposed(window()));
+        QVERIFY(window()->title().contains(QStringLiteral(ORVEX_VERSION)));
+        QVERIFY(!QGuiApplication::windowIcon().isNull());
+        QTRY_VERIFY_WITH_TIMEOUT(ui()->devices()->isDeviceStarted(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(m_startup->firstFrameMs() > 0, 5000);
+        show(0, QStringLiteral("devices"));
+        QVERIFY(ui()->devices()->devices()->rowOf(QStringLiteral("GeneratorDevice")) >= 0);
+    }
+
+    void tracesAreDrawnAndMove()
+    {
+        show(1, QStringLiteral("signal"));
+        QQuickItem* plot = item("tracePlot");
+        QVERIFY(plot);
+        QTRY_VERIFY_WITH_TIMEOUT(ui()->signal()->samplesShown() > 500, 5000);
+        const QImage first = grabItem(plot);
+        QTest::qWait(500);
+        const QImage second = grabItem(plot);
+        const QRgb background = first.pixel(first.width() - 2, 1);
+        // Every lane carries a line, and the line has moved between the grabs.
+        const int lanes = ui()->channels()->rowCount();
+        for (int lane = 0; lane < lanes; ++lane) {
+            const QImage band = first.copy(0, first.height() * lane / lanes, first.width(), first.height() / lanes);
+            QVERIFY2(countDifferent(band, background) > band.width() / 2, qPrintable(QString::number(lane)));
+        }
+        QVERIFY(first != second);
+    }
+
+    void freezeKeepsThePicture()
+    {
+        ui()->signal()->setFrozen(true);
+        QTest::qWait(200);
+        const QImage frozen = grabItem(item("tracePlot"));
+        QTest::qWait(400);
+        QCOMPARE(grabItem(item("tracePlot")), frozen);
+        ui()->signal()->setFrozen(false);
+    }
+
+    // A filter set by a client shows in the window at once, and the reverse.
+    void filtersAreSharedWithTheApi()
+    {
+        const QJsonObject reply = QJsonDocument::fromJson(httpGet(QStringLiteral("setFilters?HPF=5"))).object();
+        QVERIFY(reply.value("result").toBool());
+        QCOMPARE(ui()->signal()->hpf(), 5.0);
+        ui()->signal()->setLpf(30);
+        const QJsonObject filters = QJsonDocument::fromJson(httpGet(QStringLiteral("getFilters"))).object();
+        QCOMPARE(filters.value("LPF").toDouble(), 30.0);
+        ui()->signal()->setHpf(1);
+        ui()->signal()->setLpf(40);
+    }
+
+    void spectrumPeaksAtTheGeneratorFrequency()
+    {
+        show(2, QStringLiteral("spectrum"));
+        QTRY_VERIFY_WITH_TIMEOUT(ui()->spectrum()->hasSpectrum(), 10000);
+        QTest::qWait(300);
+        const double step = ui()->spectrum()->spectra()->frequencyStep();
+        QVERIFY(qAbs(ui()->spectrum()->peakFrequency() - GeneratorHz) <= step);
+        // The highest drawn point of the plot sits over 10 Hz on its frequency axis.
+        QQuickItem* plot = item("spectrumPlot");
+        QVERIFY(plot);
+        const QImage image = grabItem(plot);
+        // Spectra are drawn in colour, the grid in grey.
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (QColor(image.pixel(x, y)).hsvSaturation() > 120 && QColor(image.pixel(x, y)).value() > 120) {
+                    const double hz = double(x) / image.width() * ui()->spectrum()->maxFrequency();
+                    QVERIFY2(qAbs(hz - GeneratorHz) < 1.5, qPrintable(QStringLiteral("peak drawn at %1 Hz").arg(hz)));
+                    return;
+                }
+            }
+        }
+        QFAIL("no spectrum line drawn");
+    }
+
+    void gaugesShowIndicesWithinRange()
+    {
+        show(3, QStringLiteral("indices"));
+        QTRY_VERIFY_WITH_TIMEOUT(ui()->indices()->meditation() >= 0 && ui()->indices()->concentration() >= 0, 15000);
+        for (int i = 0; i < 5; ++i) {
+            QVERIFY(ui()->indices()->meditation() <= 100 && ui()->indices()->concentration() <= 100);
+            QTest::qWait(100);
+        }
+        for (const char* name : { "meditationGauge", "concentrationGauge", "indexHistoryPlot" }) {
+            QQuickItem* shown = item(name);
+            QVERIFY2(shown && shown->isVisible(), name);
+        }
+    }
+
+    // Pressed as a person does: the record button, a typed annotation, a key, the stop button.
+    void recordingRunsAndAnnotationsLandInTheFile()
+    {
+        show(4, QStringLiteral("recording"));
+        QQuickItem* record = item("recordButton");
+        QVERIFY(record);
+        QTest::mouseClick(window(), Qt::LeftButton, {}, record->mapToScene(QPointF(record->width() / 2, record->height() / 2)).toPoint());
+        QTRY_VERIFY_WITH_TIMEOUT(ui()->recording()->isRecording(), 3000);
+        QTRY_VERIFY_WITH_TIMEOUT(ui()->recording()->duration() >= 1.5, 5000);
+        QCOMPARE(item("durationLabel")->property("text").toString(), ui()->recording()->durationText());
+
+        QQuickItem* field = item("annotationField");
+        QVERIFY(field);
+        field->forceActiveFocus();
+        for (const char key : QByteArrayLiteral("eyes closed"))
+            QTest::keyClick(window(), key);
+        QTest::keyClick(window(), Qt::Key_Return);
+        QTRY_COMPARE(ui()->recording()->annotations()->rowCount(), 1);
+        window()->contentItem()->forceActiveFocus();
+        QTest::keyClick(window(), Qt::Key_3);
+        QTRY_COMPARE(ui()->recording()->annotations()->rowCount(), 2);
+        show(4, QStringLiteral("recording"));
+
+        QQuickItem* stop = item("stopButton");
+        QTest::mouseClick(window(), Qt::LeftButton, {}, stop->mapToScene(QPointF(stop->width() / 2, stop->height() / 2)).toPoint());
+        QTRY_VERIFY(!ui()->recording()->isRecording());
+        QString edf;
+        for (const QString& file : ui()->recording()->lastFiles()) {
+            if (file.endsWith(QLatin1String(".edf")) && !file.endsWith(QLatin1String(".raw.edf")))
+                edf = file;
+        }
+        EDFReader reader(edf);
+        QVERIFY2(reader.open(), qPrintable(edf));
+        QList<edf_annotation_struct> annotations;
+        reader.getAnnotationList(annotations);
+        QStringList texts;
+        for (const edf_annotation_struct& annotation : annotations)
+            texts.append(QString::fromUtf8(annotation.annotation));
+        QVERIFY2(texts.contains(QStringLiteral("eyes closed")), qPrintable(texts.join('|')));
+        QVERIFY2(texts.contains(ui()->recording()->keyAnnotations().at(2)), qPrintable(texts.join('|')));
+    }
+
+    // With an application object the API sees the screens and opens links in the browser.
+    void screenInfoAndOpenLinkThroughTheApi()
+    {
+        const QJsonArray screens = QJsonDocument::fromJson(httpGet(QStringLiteral("screenInfo"))).object().value("screens").toArray();
+        QVERIFY(!screens.isEmpty());
+        QCOMPARE(screens.first().toObject().value("width").toInt(), 1600);
+        QVERIFY(screens.first().toObject().value("dpi").toDouble() > 0);
+        const QJsonObject opened = QJsonDocument::fromJson(httpGet(QStringLiteral("openLink?path=https://example.org/x"))).object();
+        QVERIFY(opened.value("result").toBool());
+        QFile log(s_home->filePath(QStringLiteral("opened.txt")));
+        QTRY_VERIFY(log.exists() && log.size() > 0);
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QVERIFY(log.readAll().contains("https://example.org/x"));
+    }
+};
+
+// The program's own start-up builds the window; the test runs inside its event loop.
+int main(int argc, char* argv[])
+{
+    QTemporaryDir home;
+    s_home = &home;
+    qputenv("HOME", home.path().toLocal8Bit());
+    qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toLocal8Bit());
+    qputenv("TMPDIR", home.path().toLocal8Bit());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    // The system browser is a script that notes what it was asked to open.
+    QDir(home.path()).mkpath(QStringLiteral("bin"));
+    QFile opener(home.filePath(QStringLiteral("bin/xdg-open")));
+    if (opener.open(QIODevice::WriteOnly)) {
+        opener.write("#!/bin/sh\necho \"$@\" >> \"" + home.filePath(QStringLiteral("opened.txt")).toLocal8Bit() + "\"\n");
+        opener.close();
+        opener.setPermissions(opener.permissions() | QFileDevice::ExeOwner);
+    }
+    qputenv("PATH", home.filePath(QStringLiteral("bin")).toLocal8Bit() + ":" + qgetenv("PATH"));
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    s_apiPort = probe.serverPort();
+    probe.close();
+
+    CommandLineOptions options;
+    options.device = QStringLiteral("generator");
+    options.deviceGiven = true;
+    options.apiPort = s_apiPort;
+    options.settings = { { QStringLiteral("SignalType"), QStringLiteral("Sine") },
+                         { QStringLiteral("GeneratorBaseFrequency"), QString::number(GeneratorHz) },
+                         { QStringLiteral("GeneratorAmplitude"), QStringLiteral("50") },
+                         { QStringLiteral("GeneratorSamplingRate"), QStringLiteral("250") },
+                         { QStringLiteral("SpectrumWindowSeconds"), QStringLiteral("1") },
+                         { QStringLiteral("DataFolder"), home.filePath(QStringLiteral("records")) } };
+    DesktopStartup startup(argc, argv, options);
+    int code = 0;
+    if (!startup.start(code)) {
+        qCritical("the window did not start (%d)", code);
+        return 1;
+    }
+    WindowTest test(&startup);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_window.moc"
