@@ -113,10 +113,17 @@ bool DesktopStartup::start(int& exitCode)
     }
     watchFirstFrame();
     QObject::connect(m_instance.get(), &InstanceChannel::activationRequested, m_ui, [this] { raiseWindow(); });
-    QObject::connect(m_instance.get(), &InstanceChannel::closeRequested, m_app.get(), &QCoreApplication::quit);
-    QObject::connect(m_model.get(), &OrvexModel::closeRequested, m_app.get(), &QCoreApplication::quit);
+    // A sibling may ask us to close; a recording in progress is worth more than its start.
+    QObject::connect(m_instance.get(), &InstanceChannel::closeRequested, m_app.get(), [this] {
+        if (m_ui->closeNeedsConfirmation()) {
+            GlobalConsole::writeLine(QStringLiteral("A sibling application asked us to close: refused while recording"));
+            return;
+        }
+        quitCleanly();
+    });
+    QObject::connect(m_model.get(), &OrvexModel::closeRequested, m_app.get(), [this] { quitCleanly(); });
     m_termination = std::make_unique<TerminationSignals>();
-    QObject::connect(m_termination.get(), &TerminationSignals::received, m_app.get(), &QCoreApplication::quit);
+    QObject::connect(m_termination.get(), &TerminationSignals::received, m_app.get(), [this] { quitCleanly(); });
     QObject::connect(m_app.get(), &QCoreApplication::aboutToQuit, m_app.get(), [this] { finish(); });
     startDevices();
     return true;
@@ -134,6 +141,14 @@ QQuickWindow* DesktopStartup::window() const
     if (!m_qml || m_qml->rootObjects().isEmpty())
         return nullptr;
     return qobject_cast<QQuickWindow*>(m_qml->rootObjects().first());
+}
+
+// Asked from outside (a client, a signal, a sibling): the window would ask before ending a
+// recording, so the recording is closed first.
+void DesktopStartup::quitCleanly()
+{
+    finish();
+    QCoreApplication::quit();
 }
 
 // A second start of the program shows this one instead.

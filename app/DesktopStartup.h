@@ -43,6 +43,7 @@ public:
 
 private:
     void raiseWindow();
+    void quitCleanly();
     void connectEngineEvents();
     void exposeInitialGeometry();
     void setWindowIcon();

@@ -88,11 +88,10 @@ Item {
                     id: row
                     width: deviceList.width - (deviceList.ScrollBar.vertical.visible ? deviceList.ScrollBar.vertical.width : 0)
 
-                    // Required properties: the role called "model" hides the model object.
                     required property int index
                     required property string name
                     required property string serialNumber
-                    required property string model
+                    required property string modelName
                     required property int battery
                     required property var channelModes
                     required property int preferredChannels
@@ -136,8 +135,7 @@ Item {
                                     font.bold: true
                                     font.pointSize: theme.basePointSize * 1.15
                                     elide: Text.ElideRight
-                                    Layout.fillWidth: true
-                                    Layout.maximumWidth: implicitWidth
+                                    Layout.minimumWidth: theme.unit * 3
                                 }
                                 KindTag { text: row.kind }
                                 KindTag {
@@ -145,9 +143,10 @@ Item {
                                     text: qsTr("streaming")
                                     border.color: theme.accent
                                 }
+                                Item { Layout.fillWidth: true }
                             }
                             Label {
-                                text: [row.model !== "" ? qsTr("Model %1").arg(row.model) : "",
+                                text: [row.modelName !== "" ? qsTr("Model %1").arg(row.modelName) : "",
                                        row.serialNumber !== "" ? qsTr("Serial %1").arg(row.serialNumber) : "",
                                        row.battery >= 0 ? qsTr("Battery %1 %").arg(row.battery) : ""]
                                       .filter(part => part !== "").join("   ·   ")

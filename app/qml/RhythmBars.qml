@@ -87,6 +87,7 @@ ColumnLayout {
                                                         (rows.height - rows.spacing * rows.count) / Math.max(1, rows.count))))
 
                     Rectangle {
+                        id: fill
                         anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
                         width: track.value > 0 ? parent.width * Math.min(100, track.value) / 100 : 0
                         radius: parent.radius
@@ -94,12 +95,24 @@ ColumnLayout {
                         opacity: 0.85
                     }
                     Text {
+                        id: percent
                         anchors { right: parent.right; rightMargin: Math.round(theme.unit * 0.2); verticalCenter: parent.verticalCenter }
                         text: track.value < 0 ? "—" : qsTr("%1 %").arg(Math.round(track.value))
                         color: theme.text
-                        style: Text.Outline
-                        styleColor: theme.plotBackground
                         font.pointSize: theme.basePointSize * 0.85
+                    }
+                    // The part of the number over the bar, dark, so it reads on any colour.
+                    Item {
+                        anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
+                        width: fill.width
+                        clip: true
+                        Text {
+                            x: percent.x
+                            y: percent.y
+                            text: percent.text
+                            font: percent.font
+                            color: theme.accentText
+                        }
                     }
                 }
             }

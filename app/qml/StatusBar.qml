@@ -135,8 +135,8 @@ Rectangle {
             // The address alone says little; "API off" already says what it is.
             text: ui.status.apiAddress.startsWith("API") ? ui.status.apiAddress : qsTr("API %1").arg(ui.status.apiAddress)
             color: theme.dimText
-            elide: Text.ElideMiddle
-            Layout.maximumWidth: theme.unit * 16
+            elide: Text.ElideRight
+            Layout.maximumWidth: theme.unit * 22
         }
     }
 }

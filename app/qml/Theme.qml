@@ -46,7 +46,8 @@ QtObject {
     })
 
     function channelColor(channel) {
-        return channelColors[channel % channelColors.length]
+        // A delegate being torn down during a model reset may ask without an index.
+        return channelColors[(channel >= 0 ? channel : 0) % channelColors.length]
     }
 
     function qualityColor(level) {

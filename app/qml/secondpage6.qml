@@ -86,11 +86,12 @@ ApplicationWindow {
 
     // Keys 1-9 mark the recording. A focused text field takes printable keys first, so typing
     // an annotation never adds key annotations. Declared one by one: a shortcut finds its window
-    // through its parent, which objects made by an Instantiator do not have.
+    // through its parent, which objects made by an Instantiator do not have. The application
+    // context (this is its only window) also holds while no window manager has made it active.
     component KeyAnnotation: Shortcut {
         property int key
         sequence: String(key)
-        context: Qt.WindowShortcut
+        context: Qt.ApplicationShortcut
         enabled: ui.recording.recording
         onActivated: ui.recording.annotateKey(key)
     }

@@ -41,7 +41,7 @@ QVariant DeviceListModel::data(const QModelIndex& index, int role) const
         return device.name;
     case SerialNumberRole:
         return device.serialNumber;
-    case ModelRole:
+    case ModelNameRole:
         return device.model;
     case BatteryRole:
         return device.battery;
@@ -63,7 +63,7 @@ QVariant DeviceListModel::data(const QModelIndex& index, int role) const
 QHash<int, QByteArray> DeviceListModel::roleNames() const
 {
     return { { NameRole, "name" },           { SerialNumberRole, "serialNumber" },
-             { ModelRole, "model" },         { BatteryRole, "battery" },
+             { ModelNameRole, "modelName" },         { BatteryRole, "battery" },
              { ChannelModesRole, "channelModes" }, { PreferredChannelsRole, "preferredChannels" },
              { FavouriteRole, "favourite" }, { KindRole, "kind" },
              { CurrentRole, "current" } };

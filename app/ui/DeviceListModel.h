@@ -13,7 +13,7 @@ public:
     enum Role {
         NameRole = Qt::UserRole + 1,
         SerialNumberRole,
-        ModelRole,
+        ModelNameRole,
         BatteryRole,      // percent, -1 unknown
         ChannelModesRole, // [{"channels": n, "frequency": hz, "text": "8 channels, 250 Hz"}]
         PreferredChannelsRole,

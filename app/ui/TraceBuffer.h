@@ -21,7 +21,8 @@ public:
 
     // Allocates the rings; a bad rate or duration is reported and leaves the buffer empty.
     void reset(const QStringList& names, double sampleRate, double seconds);
-    // Forgets the samples and restarts the index space at 0; the layout stays.
+    // Forgets the samples and restarts the index space at 0; the layout stays, and views hear of
+    // the restart through layoutChanged.
     void clear();
     // One list per channel, equal lengths. Extra rows are ignored, missing or short rows become
     // NaN gaps. Allocates nothing.

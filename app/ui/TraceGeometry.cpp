@@ -19,10 +19,18 @@ int TraceGeometry::fill(const TraceBuffer& buffer, int channel, qint64 end, QSGG
     return vertices(out);
 }
 
+// Rasterisers leave out the last pixel of a segment, so every segment of a column ends on a
+// pixel that another segment starts from: the extremes lead to the last sample, and the last
+// sample starts the segment to the next column, or a one-pixel cap where none follows.
 int TraceGeometry::vertices(QSGGeometry::Point2D* out) const
 {
     int n = 0;
+    bool previous = false;
     float previousX = 0, previousY = 0;
+    const auto cap = [&] {
+        out[n++].set(previousX - 0.5f, previousY);
+        out[n++].set(previousX + 0.5f, previousY);
+    };
     for (int c = 0; c < columns(); ++c) {
         const MinMaxDecimator::Column& column = m_decimator.column(c);
         if (!column.valid)
@@ -31,17 +39,23 @@ int TraceGeometry::vertices(QSGGeometry::Point2D* out) const
         if (column.joined) {
             out[n++].set(previousX, previousY);
             out[n++].set(x, column.first);
+        } else if (previous) {
+            cap();
         }
         if (column.minimum < column.maximum) {
             out[n++].set(x, column.minimum);
+            out[n++].set(x, column.last);
             out[n++].set(x, column.maximum);
-        } else {
-            // A flat column still shows one pixel, even when no segment joins it.
+            out[n++].set(x, column.last);
+        } else { // one pixel wide, so a lone sample shows too
             out[n++].set(x - 0.5f, column.minimum);
             out[n++].set(x + 0.5f, column.minimum);
         }
+        previous = true;
         previousX = x;
         previousY = column.last;
     }
+    if (previous)
+        cap();
     return n;
 }

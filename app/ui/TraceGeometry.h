@@ -8,20 +8,21 @@
 
 class TraceBuffer;
 
-// Turns the window of one trace channel into line-segment vertices: per pixel column a vertical
-// segment from minimum to maximum, and a segment joining it to the previous column unless a gap
-// lies between. x is the column index, y is in sample units; a matrix maps both to pixels. A
-// plain class, so the cost of a frame can be measured without a window.
+// Turns the window of one trace channel into line-segment vertices: per pixel column vertical
+// segments spanning minimum to maximum, and a segment joining it to the previous column unless
+// a gap lies between. x is the column index, y is in sample units; a matrix maps both to
+// pixels. A plain class, so the cost of a frame can be measured without a window.
 class TraceGeometry
 {
 public:
-    static constexpr int VerticesPerColumn = 4;
+    // A join (or a cap of the column before), and two segments across the column's range.
+    static constexpr int VerticesPerColumn = 6;
 
     // Allocates; `span` samples across `columns` columns.
     void setLayout(int columns, qint64 span);
     int columns() const { return m_decimator.columns(); }
     qint64 span() const { return m_decimator.span(); }
-    int capacity() const { return columns() * VerticesPerColumn; }
+    int capacity() const { return columns() * VerticesPerColumn + 2; }
 
     // Fills `out` (capacity() vertices) with the picture of `channel` whose last column holds
     // sample end - 1. Returns the number of vertices used; allocates nothing.

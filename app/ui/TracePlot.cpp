@@ -1,10 +1,13 @@
 #include "app/ui/TracePlot.h"
 
+#include <QQuickWindow>
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 constexpr int MaxColumns = 16384;
+constexpr int FrameIntervalMs = 25; // 40 pictures per second: smooth, and affordable on a software renderer
 constexpr double AutoScaleFill = 0.9; // share of the lane that the auto-scaled trace spans
 
 template<typename T>
@@ -20,6 +23,24 @@ bool assign(T& member, const T& value)
 TracePlot::TracePlot(QQuickItem* parent)
     : LinePlotItem(parent)
 {
+    m_time.start();
+    // While data streams the traces glide: a new picture at the display's pace, which the
+    // scene graph coalesces to one per frame. Without a vertical sync (a virtual display)
+    // the timer alone keeps it from drawing as fast as the processor allows.
+    m_frames.setTimerType(Qt::PreciseTimer);
+    m_frames.setInterval(FrameIntervalMs);
+    connect(&m_frames, &QTimer::timeout, this, &TracePlot::onFrameDue);
+}
+
+void TracePlot::onFrameDue()
+{
+    if (!m_clock.isLive(double(m_time.nsecsElapsed()) / 1e6)) {
+        m_frames.stop();
+        scheduleRedraw(); // the final picture shows every sample
+        return;
+    }
+    if (!m_frozen && isVisible())
+        scheduleRedraw();
 }
 
 void TracePlot::setBuffer(TraceBuffer* buffer)
@@ -42,11 +63,15 @@ void TracePlot::onLayoutChanged()
 {
     m_lanesDirty = true;
     m_frozenEnd = m_buffer ? m_buffer->written() : 0;
+    m_clock.reset();
     scheduleRedraw();
 }
 
 void TracePlot::onAppended()
 {
+    m_clock.arrived(m_buffer->written(), double(m_time.nsecsElapsed()) / 1e6);
+    if (!m_frames.isActive())
+        m_frames.start();
     if (!m_frozen)
         scheduleRedraw();
 }
@@ -146,7 +171,9 @@ void TracePlot::fillPicture(LinePicture& picture)
     const qint64 span = ready ? std::max<qint64>(1, std::llround(m_timeBase * m_buffer->sampleRate())) : 1;
     m_geometry.setLayout(columns, span);
     picture.setLayout(ready ? int(m_lanes.size()) : 0, m_geometry.capacity(), QSGGeometry::DrawLines);
-    m_shownEnd = !ready ? 0 : m_frozen ? m_frozenEnd : m_buffer->written();
+    m_shownEnd = !ready  ? 0
+        : m_frozen       ? m_frozenEnd
+                         : m_clock.endAt(double(m_time.nsecsElapsed()) / 1e6, m_buffer->sampleRate(), m_buffer->written());
     for (int lane = 0; lane < picture.lineCount(); ++lane) {
         const int channel = m_lanes[size_t(lane)];
         LinePicture::Line& line = picture.line(lane);

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "app/ui/LinePlotItem.h"
+#include "app/ui/ScrollClock.h"
 #include "app/ui/TraceBuffer.h"
 #include "app/ui/TraceGeometry.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
+#include <QTimer>
 
 #include <vector>
 
@@ -68,6 +71,7 @@ protected:
 private:
     void onLayoutChanged();
     void onAppended();
+    void onFrameDue();
     void resolveLanes();
     QMatrix4x4 laneMatrix(int lane, float low, float high) const;
     void addGrid(LinePicture& picture) const;
@@ -88,4 +92,7 @@ private:
     bool m_lanesDirty = true;
     qint64 m_shownEnd = 0;  // end of the sample window in the current picture
     qint64 m_frozenEnd = 0;
+    ScrollClock m_clock;
+    QElapsedTimer m_time;
+    QTimer m_frames;
 };

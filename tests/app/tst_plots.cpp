@@ -2,6 +2,7 @@
 // window, under the software renderer (offscreen) and under OpenGL on an X server.
 #include "app/ui/MinMaxDecimator.h"
 #include "app/ui/PlotTypes.h"
+#include "app/ui/ScrollClock.h"
 #include "app/ui/SpectrumBuffer.h"
 #include "app/ui/TraceBuffer.h"
 #include "app/ui/TracePlot.h"
@@ -98,7 +99,9 @@ private Q_SLOTS:
         QTest::newRow("start of the record") << 1000 << 100 << 300 << 2000 << 0 << 0 << 0;
         QTest::newRow("NaN run across columns") << 1000 << 100 << 1500 << 1500 << 0 << 600 << 55;
         QTest::newRow("NaN inside one column") << 1000 << 100 << 1500 << 1500 << 0 << 702 << 2;
-        QTest::newRow("NaN at a column edge") << 1000 << 100 << 1500 << 1500 << 0 << 700 << 10;
+        QTest::newRow("NaN fills one column") << 1000 << 100 << 1500 << 1500 << 0 << 700 << 10;
+        QTest::newRow("NaN ends one column") << 1000 << 100 << 1500 << 1500 << 0 << 705 << 5;
+        QTest::newRow("NaN starts one column") << 1000 << 100 << 1500 << 1500 << 0 << 700 << 3;
         QTest::newRow("NaN between sparse samples") << 50 << 200 << 120 << 100 << 0 << 90 << 1;
         QTest::newRow("one column") << 500 << 1 << 700 << 600 << 0 << 0 << 0;
         QTest::newRow("frozen before the newest") << 1000 << 300 << 3000 << 2000 << 123 << 0 << 0;
@@ -250,6 +253,40 @@ private Q_SLOTS:
         QCOMPARE(spectra.peakFrequency(channel, minHz, maxHz), expected);
     }
 
+    // Blocks of 40 samples at 1000 Hz, every 40 ms with jitter: the shown end glides, never
+    // goes back, never passes the data and stays within three blocks of it.
+    void scrollClockGlides_data()
+    {
+        QTest::addColumn<int>("jitterMs");
+        QTest::addColumn<int>("stallAtBlock"); // one late block, as when the machine is busy
+        QTest::newRow("steady") << 0 << -1;
+        QTest::newRow("jitter") << 15 << -1;
+        QTest::newRow("stall") << 5 << 20;
+    }
+
+    void scrollClockGlides()
+    {
+        QFETCH(int, jitterMs);
+        QFETCH(int, stallAtBlock);
+        ScrollClock clock;
+        std::mt19937 random(7);
+        std::uniform_int_distribution<int> jitter(-jitterMs, jitterMs);
+        qint64 written = 0, shown = 0, nextArrival = 0, distinct = 0;
+        for (int ms = 0, block = 0; ms < 4000; ms += 5) {
+            if (ms >= nextArrival) {
+                written += 40;
+                clock.arrived(written, ms);
+                nextArrival = ms + 40 + jitter(random) + (block++ == stallAtBlock ? 500 : 0);
+            }
+            const qint64 end = clock.endAt(ms, 1000, written);
+            QVERIFY(end >= shown && end <= written && end >= written - 120);
+            distinct += end != shown;
+            shown = end;
+        }
+        QVERIFY(distinct > 400); // moves nearly every 5 ms, not once per block (100 blocks)
+        QCOMPARE(clock.endAt(10000, 1000, written), written); // stopped: every sample shown
+    }
+
     void spectrogramRing()
     {
         SpectrumBuffer spectra;
@@ -291,8 +328,8 @@ private Q_SLOTS:
         QTest::newRow("overlaid") << QList<int> { 2 } << false << false << QList<double> { 0.6 };
     }
 
-    // The real pixels of each lane: the trace spans the expected height about the lane's
-    // centre, reaches across the width, and leaves the NaN gap of channel 1 empty.
+    // The real pixels of each lane: a continuous trace spans the expected height about the
+    // lane's centre, reaches across the width, and leaves the NaN gap of channel 1 empty.
     void tracePixels()
     {
         QFETCH(QList<int>, visible);
@@ -329,18 +366,24 @@ private Q_SLOTS:
         const QList<int> channels = visible.isEmpty() ? QList<int> { 0, 1, 2 } : visible;
         const int laneHeight = Height / int(extents.size());
         for (int lane = 0; lane < extents.size(); ++lane) {
-            int top = Height, bottom = -1, covered = 0, inGap = 0;
-            for (int x = 0; x < Width; ++x) {
-                bool any = false;
+            int top = Height, bottom = -1, covered = 0, inGap = 0, breaks = 0;
+            for (int x = 0, lastTop = -1, lastBottom = -1; x < Width; ++x) {
+                int columnTop = Height, columnBottom = -1;
                 for (int y = lane * laneHeight; y < (lane + 1) * laneHeight; ++y) {
-                    if (!lit(image.pixel(x, y)))
-                        continue;
-                    any = true;
-                    top = std::min(top, y);
-                    bottom = std::max(bottom, y);
+                    if (lit(image.pixel(x, y))) {
+                        columnTop = std::min(columnTop, y);
+                        columnBottom = y;
+                    }
                 }
+                const bool any = columnBottom >= 0;
                 covered += any;
                 inGap += any && x > GapFrom + 2 && x < GapTo - 2;
+                // A continuous line: each column touches the one before it.
+                breaks += any && lastBottom >= 0 && (columnTop > lastBottom + 1 || columnBottom < lastTop - 1);
+                top = std::min(top, columnTop);
+                bottom = std::max(bottom, columnBottom);
+                lastTop = columnTop;
+                lastBottom = columnBottom;
             }
             const QString where = QStringLiteral("lane %1: rows %2..%3").arg(lane).arg(top).arg(bottom);
             QVERIFY2(std::abs((bottom - top + 1) - extents[lane] * laneHeight) <= 3, qPrintable(where));
@@ -348,6 +391,7 @@ private Q_SLOTS:
             const bool gapped = channels[lane] == 1;
             QVERIFY2(covered >= Width - 2 - (gapped ? GapTo - GapFrom + 2 : 0), qPrintable(where));
             QVERIFY2(!gapped || inGap == 0, qPrintable(where));
+            QVERIFY2(breaks == 0, qPrintable(where));
             double peakToPeak = 0;
             QMetaObject::invokeMethod(plot.get(), "shownPeakToPeak", Q_RETURN_ARG(double, peakToPeak),
                                       Q_ARG(int, channels[lane]));

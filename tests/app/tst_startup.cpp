@@ -2,6 +2,7 @@
 // recording that must survive the window being ended.
 #include "formats/EDFReader.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
@@ -32,13 +33,24 @@ class StartupTest : public QObject
         return env;
     }
 
+    // Waits until the console (stderr) has said `text`; `seen` collects what was read.
+    static bool waitForConsole(QProcess& process, QByteArray& seen, const char* text, int timeoutMs)
+    {
+        QDeadlineTimer deadline(timeoutMs);
+        while (!seen.contains(text) && !deadline.hasExpired()) {
+            process.waitForReadyRead(100);
+            seen += process.readAllStandardError();
+        }
+        return seen.contains(text);
+    }
+
     // A window that has drawn its first frame, with the console on stderr.
-    void startWindow(QProcess& process, const QStringList& arguments)
+    void startWindow(QProcess& process, QByteArray& console, const QStringList& arguments)
     {
         process.setProcessEnvironment(environment());
         process.start(QStringLiteral(ORVEX_BINARY), QStringList { "--verbose" } + arguments);
         QVERIFY(process.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(process.readAllStandardError().contains("First frame after"), 20000);
+        QVERIFY(waitForConsole(process, console, "First frame after", 20000));
     }
 
     static QByteArray httpGet(int port, const QString& path)
@@ -57,14 +69,15 @@ private Q_SLOTS:
     void secondStartRaisesTheFirst()
     {
         QProcess first;
-        startWindow(first, { "--no-api" });
+        QByteArray console;
+        startWindow(first, console, { "--no-api" });
         QProcess second;
         second.setProcessEnvironment(environment());
         second.start(QStringLiteral(ORVEX_BINARY), { "--no-api" });
         QVERIFY(second.waitForFinished(15000));
         QCOMPARE(second.exitStatus(), QProcess::NormalExit);
         QCOMPARE(second.exitCode(), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(first.readAllStandardError().contains("raising it"), 5000);
+        QVERIFY(waitForConsole(first, console, "raising it", 5000));
         ::kill(pid_t(first.processId()), SIGTERM);
         QVERIFY(first.waitForFinished(10000));
         QCOMPARE(first.exitCode(), 0);
@@ -94,7 +107,8 @@ private Q_SLOTS:
         probe.close();
         const QString folder = m_home.filePath(QStringLiteral("records"));
         QProcess process;
-        startWindow(process, { "--device", "generator", "--api-port", QString::number(port), "--set",
+        QByteArray console;
+        startWindow(process, console, { "--device", "generator", "--api-port", QString::number(port), "--set",
                                "DataFolder=" + folder });
         QTRY_VERIFY_WITH_TIMEOUT(QJsonDocument::fromJson(httpGet(port, QStringLiteral("startRecord"))).object().value("result").toBool(), 10000);
         QTest::qWait(2500);

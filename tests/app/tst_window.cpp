@@ -82,10 +82,15 @@ private:
         return whole.copy(QRectF(area.topLeft() * ratio, area.size() * ratio).toRect());
     }
 
-    void show(int screen, const QString& name)
+    void show(int screen)
     {
         ui()->setCurrentScreen(screen);
         QTest::qWait(300);
+    }
+
+    // The pictures of the README, when asked for.
+    void saveScreenshot(const QString& name)
+    {
         const QString folder = qEnvironmentVariable("ORVEX_SCREENSHOT_DIR");
         if (!folder.isEmpty()) {
             QDir().mkpath(folder);
@@ -94,6 +99,7 @@ private:
     }
 
     DesktopStartup* m_startup;
+    QString m_recorded;
 
 private Q_SLOTS:
     void initTestCase()
@@ -104,13 +110,14 @@ private Q_SLOTS:
         QVERIFY(!QGuiApplication::windowIcon().isNull());
         QTRY_VERIFY_WITH_TIMEOUT(ui()->devices()->isDeviceStarted(), 10000);
         QTRY_VERIFY_WITH_TIMEOUT(m_startup->firstFrameMs() > 0, 5000);
-        show(0, QStringLiteral("devices"));
+        show(0);
         QVERIFY(ui()->devices()->devices()->rowOf(QStringLiteral("GeneratorDevice")) >= 0);
+        saveScreenshot(QStringLiteral("devices"));
     }
 
     void tracesAreDrawnAndMove()
     {
-        show(1, QStringLiteral("signal"));
+        show(1);
         QQuickItem* plot = item("tracePlot");
         QVERIFY(plot);
         QTRY_VERIFY_WITH_TIMEOUT(ui()->signal()->samplesShown() > 500, 5000);
@@ -125,6 +132,9 @@ private Q_SLOTS:
             QVERIFY2(countDifferent(band, background) > band.width() / 2, qPrintable(QString::number(lane)));
         }
         QVERIFY(first != second);
+        if (qEnvironmentVariableIsSet("ORVEX_SCREENSHOT_DIR"))
+            QTest::qWait(4000); // a full screen of signal for the picture
+        saveScreenshot(QStringLiteral("signal"));
     }
 
     void freezeKeepsThePicture()
@@ -152,7 +162,7 @@ private Q_SLOTS:
 
     void spectrumPeaksAtTheGeneratorFrequency()
     {
-        show(2, QStringLiteral("spectrum"));
+        show(2);
         QTRY_VERIFY_WITH_TIMEOUT(ui()->spectrum()->hasSpectrum(), 10000);
         QTest::qWait(300);
         const double step = ui()->spectrum()->spectra()->frequencyStep();
@@ -167,6 +177,7 @@ private Q_SLOTS:
                 if (QColor(image.pixel(x, y)).hsvSaturation() > 120 && QColor(image.pixel(x, y)).value() > 120) {
                     const double hz = double(x) / image.width() * ui()->spectrum()->maxFrequency();
                     QVERIFY2(qAbs(hz - GeneratorHz) < 1.5, qPrintable(QStringLiteral("peak drawn at %1 Hz").arg(hz)));
+                    saveScreenshot(QStringLiteral("spectrum"));
                     return;
                 }
             }
@@ -176,7 +187,7 @@ private Q_SLOTS:
 
     void gaugesShowIndicesWithinRange()
     {
-        show(3, QStringLiteral("indices"));
+        show(3);
         QTRY_VERIFY_WITH_TIMEOUT(ui()->indices()->meditation() >= 0 && ui()->indices()->concentration() >= 0, 15000);
         for (int i = 0; i < 5; ++i) {
             QVERIFY(ui()->indices()->meditation() <= 100 && ui()->indices()->concentration() <= 100);
@@ -186,12 +197,13 @@ private Q_SLOTS:
             QQuickItem* shown = item(name);
             QVERIFY2(shown && shown->isVisible(), name);
         }
+        saveScreenshot(QStringLiteral("indices"));
     }
 
     // Pressed as a person does: the record button, a typed annotation, a key, the stop button.
     void recordingRunsAndAnnotationsLandInTheFile()
     {
-        show(4, QStringLiteral("recording"));
+        show(4);
         QQuickItem* record = item("recordButton");
         QVERIFY(record);
         QTest::mouseClick(window(), Qt::LeftButton, {}, record->mapToScene(QPointF(record->width() / 2, record->height() / 2)).toPoint());
@@ -209,7 +221,7 @@ private Q_SLOTS:
         window()->contentItem()->forceActiveFocus();
         QTest::keyClick(window(), Qt::Key_3);
         QTRY_COMPARE(ui()->recording()->annotations()->rowCount(), 2);
-        show(4, QStringLiteral("recording"));
+        saveScreenshot(QStringLiteral("recording"));
 
         QQuickItem* stop = item("stopButton");
         QTest::mouseClick(window(), Qt::LeftButton, {}, stop->mapToScene(QPointF(stop->width() / 2, stop->height() / 2)).toPoint());
@@ -228,6 +240,46 @@ private Q_SLOTS:
             texts.append(QString::fromUtf8(annotation.annotation));
         QVERIFY2(texts.contains(QStringLiteral("eyes closed")), qPrintable(texts.join('|')));
         QVERIFY2(texts.contains(ui()->recording()->keyAnnotations().at(2)), qPrintable(texts.join('|')));
+        m_recorded = edf;
+    }
+
+    // The simulated headset and the file player (on the file just recorded) fill the same screens.
+    void otherDevicesFeedTheScreens_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("simulated headset") << QStringLiteral("simulated");
+        QTest::newRow("file player") << QStringLiteral("player");
+    }
+
+    void otherDevicesFeedTheScreens()
+    {
+        QFETCH(QString, kind);
+        DevicesController* devices = ui()->devices();
+        if (kind == QLatin1String("player")) {
+            QVERIFY(!m_recorded.isEmpty());
+            devices->setFilePlayerPath(QUrl::fromLocalFile(m_recorded).toString());
+        }
+        devices->startSearch();
+        DeviceListModel* found = devices->devices();
+        const auto rowOfKind = [found, &kind] {
+            for (int row = 0; row < found->rowCount(); ++row) {
+                if (found->kindOf(found->deviceAt(row).name) == kind)
+                    return row;
+            }
+            return -1;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(rowOfKind() >= 0, 5000);
+        const int row = rowOfKind();
+        QVERIFY(devices->startDevice(row));
+        QTRY_VERIFY_WITH_TIMEOUT(devices->isDeviceStarted(), 5000);
+        QCOMPARE(devices->currentDeviceName(), devices->devices()->deviceAt(row).name);
+        show(1);
+        const qint64 before = ui()->signal()->samplesShown();
+        QTRY_VERIFY_WITH_TIMEOUT(ui()->signal()->samplesShown() > before + 100, 5000);
+        QCOMPARE(ui()->signal()->traces()->channelCount(), ui()->channels()->rowCount());
+        const QImage picture = grabItem(item("tracePlot"));
+        QVERIFY(countDifferent(picture, picture.pixel(picture.width() - 2, 1)) > picture.width());
+        QCOMPARE(item("statusDevice")->property("text").toString().contains(devices->currentDeviceName()), true);
     }
 
     // With an application object the API sees the screens and opens links in the browser.
