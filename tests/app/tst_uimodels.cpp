@@ -1,0 +1,96 @@
+// The screens' model objects over a real engine, without a window.
+#include "app/OrvexModel.h"
+#include "app/ui/UiModel.h"
+#include "settings/OrvexSettings.h"
+#include "settings/VirtualDevicesSettings.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+class TestUiModels : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_home;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("HOME", m_home.path().toLocal8Bit());
+        qputenv("XDG_CONFIG_HOME", m_home.filePath(QStringLiteral("config")).toLocal8Bit());
+    }
+
+    void qualityLevels_data()
+    {
+        QTest::addColumn<int>("quality");
+        QTest::addColumn<QString>("level");
+        QTest::newRow("no reading") << -1 << "unknown";
+        QTest::newRow("flat") << 0 << "bad";
+        QTest::newRow("just bad") << 19 << "bad";
+        QTest::newRow("average from 20") << 20 << "average";
+        QTest::newRow("just average") << 89 << "average";
+        QTest::newRow("good from 90") << 90 << "good";
+        QTest::newRow("perfect") << 100 << "good";
+    }
+
+    void qualityLevels()
+    {
+        QFETCH(int, quality);
+        QFETCH(QString, level);
+        QCOMPARE(ChannelListModel::levelName(ChannelListModel::levelOf(quality)), level);
+    }
+
+    void texts_data()
+    {
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("seconds") << RecordingController::formatDuration(59.9) << "00:00:59";
+        QTest::newRow("hours") << RecordingController::formatDuration(3 * 3600 + 61) << "03:01:01";
+        QTest::newRow("microvolts") << SignalController::scaleText(50) << "50 µV";
+        QTest::newRow("millivolts") << SignalController::scaleText(2000) << "2 mV";
+        QTest::newRow("filter off") << SignalController::frequencyText(0) << "off";
+        QTest::newRow("filter") << SignalController::frequencyText(0.5) << "0.5 Hz";
+    }
+
+    void texts()
+    {
+        QFETCH(QString, shown);
+        QFETCH(QString, expected);
+        QCOMPARE(shown, expected);
+    }
+
+    // The favourite starts when the search finds it; the views follow the device; choices that
+    // are not offered are refused; a hidden channel leaves the traces.
+    void favouriteStartsAndTheViewsFollow()
+    {
+        OrvexModel model;
+        model.setPersistent(false);
+        model.settings()->setFavouriteDevice(QStringLiteral("GeneratorDevice"));
+        model.virtualDevicesSettings()->setGeneratorSamplingRate(250);
+        UiModel* ui = model.createUiModel(QStringLiteral("OrvexPro test"));
+        ui->devices()->startSearch();
+        QTRY_VERIFY(ui->devices()->isDeviceStarted());
+        QTRY_COMPARE(ui->status()->deviceName(), QStringLiteral("GeneratorDevice"));
+        QCOMPARE(ui->status()->samplingRate(), 250.0);
+        QVERIFY(ui->recording()->canRecord());
+        QCOMPARE(ui->spectrum()->maxFrequencies().last(), 100.0); // nothing above half the rate
+        QTRY_VERIFY(ui->signal()->samplesShown() > 50);
+
+        ui->signal()->setTimeBase(3);
+        QCOMPARE(ui->signal()->timeBase(), 10.0);
+        ui->signal()->setNotch(55);
+        QCOMPARE(ui->signal()->notch(), 50);
+        ui->signal()->setNotch(60);
+        QCOMPARE(ui->signal()->notch(), 60);
+        ui->channels()->setVisible(1, false);
+        QCOMPARE(ui->channels()->visibleChannels().size(), ui->channels()->rowCount() - 1);
+        QVERIFY(!ui->recording()->annotate(QStringLiteral("not recording")));
+
+        ui->devices()->stopDevice();
+        QTRY_VERIFY(ui->status()->deviceName().isEmpty());
+        QVERIFY(!ui->recording()->canRecord());
+    }
+};
+
+QTEST_MAIN(TestUiModels)
+#include "tst_uimodels.moc"
