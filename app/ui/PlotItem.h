@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPointer>
 #include <QQuickItem>
 #include <QSGTexture>
 
@@ -25,6 +26,27 @@ Q_SIGNALS:
 protected:
     // Any number of calls within one frame give one new picture.
     void scheduleRedraw();
+    // Stops listening to the current data source and takes `source`; false when it is the same.
+    // The caller connects the new source's signals; a destroyed source reads as null.
+    template<typename Source>
+    bool replaceSource(QPointer<Source>& current, Source* source)
+    {
+        if (source == current)
+            return false;
+        if (current)
+            disconnect(current, nullptr, this, nullptr);
+        current = source;
+        return true;
+    }
+    // Sets a property's member; true when the value changed.
+    template<typename T>
+    static bool assign(T& member, const T& value)
+    {
+        if (member == value)
+            return false;
+        member = value;
+        return true;
+    }
     // Prepares the next picture; false when there is nothing new to show.
     virtual bool preparePicture() = 0;
     // The software renderer draws no custom geometry: such plots show an image instead.

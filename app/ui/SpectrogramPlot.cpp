@@ -12,11 +12,8 @@ SpectrogramPlot::SpectrogramPlot(QQuickItem* parent)
 
 void SpectrogramPlot::setBuffer(SpectrumBuffer* buffer)
 {
-    if (buffer == m_buffer)
+    if (!replaceSource(m_buffer, buffer))
         return;
-    if (m_buffer)
-        disconnect(m_buffer, nullptr, this, nullptr);
-    m_buffer = buffer;
     if (buffer) {
         connect(buffer, &SpectrumBuffer::layoutChanged, this, &SpectrogramPlot::onLayoutChanged);
         connect(buffer, &SpectrumBuffer::spectrogramChannelChanged, this, &SpectrogramPlot::onLayoutChanged);

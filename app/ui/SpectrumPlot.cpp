@@ -15,11 +15,8 @@ SpectrumPlot::SpectrumPlot(QQuickItem* parent)
 
 void SpectrumPlot::setBuffer(SpectrumBuffer* buffer)
 {
-    if (buffer == m_buffer)
+    if (!replaceSource(m_buffer, buffer))
         return;
-    if (m_buffer)
-        disconnect(m_buffer, nullptr, this, nullptr);
-    m_buffer = buffer;
     if (buffer) {
         connect(buffer, &SpectrumBuffer::layoutChanged, this, &SpectrumPlot::onLayoutChanged);
         connect(buffer, &SpectrumBuffer::updated, this, &SpectrumPlot::scheduleRedraw);

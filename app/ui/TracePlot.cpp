@@ -10,14 +10,6 @@ constexpr int MaxColumns = 16384;
 constexpr int FrameIntervalMs = 25; // 40 pictures per second: smooth, and affordable on a software renderer
 constexpr double AutoScaleFill = 0.9; // share of the lane that the auto-scaled trace spans
 
-template<typename T>
-bool assign(T& member, const T& value)
-{
-    if (member == value)
-        return false;
-    member = value;
-    return true;
-}
 }
 
 TracePlot::TracePlot(QQuickItem* parent)
@@ -45,11 +37,8 @@ void TracePlot::onFrameDue()
 
 void TracePlot::setBuffer(TraceBuffer* buffer)
 {
-    if (buffer == m_buffer)
+    if (!replaceSource(m_buffer, buffer))
         return;
-    if (m_buffer)
-        disconnect(m_buffer, nullptr, this, nullptr);
-    m_buffer = buffer;
     if (buffer) {
         connect(buffer, &TraceBuffer::layoutChanged, this, &TracePlot::onLayoutChanged);
         connect(buffer, &TraceBuffer::appended, this, &TracePlot::onAppended);

@@ -223,6 +223,15 @@ private Q_SLOTS:
         QTRY_COMPARE(ui()->recording()->annotations()->rowCount(), 2);
         saveScreenshot(QStringLiteral("recording"));
 
+        // Closing the window while recording asks first; cancelling keeps both.
+        QVERIFY(!window()->close());
+        QObject* question = window()->findChild<QObject*>(QStringLiteral("closeDialog"));
+        QVERIFY(question);
+        QTRY_VERIFY(question->property("opened").toBool());
+        QVERIFY(window()->isVisible() && ui()->recording()->isRecording());
+        QMetaObject::invokeMethod(question, "reject");
+        QTRY_VERIFY(!question->property("visible").toBool());
+
         QQuickItem* stop = item("stopButton");
         QTest::mouseClick(window(), Qt::LeftButton, {}, stop->mapToScene(QPointF(stop->width() / 2, stop->height() / 2)).toPoint());
         QTRY_VERIFY(!ui()->recording()->isRecording());
