@@ -94,7 +94,7 @@ Item {
                     required property string modelName
                     required property int battery
                     required property var channelModes
-                    required property int preferredChannels
+                    required property int preferredMode
                     required property bool favourite
                     required property string kind
                     required property bool current
@@ -165,12 +165,7 @@ Item {
                             textRole: "text"
                             implicitContentWidthPolicy: ComboBox.WidestText
                             // Starts on the device's preferred mode.
-                            Component.onCompleted: {
-                                for (let i = 0; i < row.channelModes.length; ++i) {
-                                    if (row.channelModes[i].channels === row.preferredChannels)
-                                        currentIndex = i
-                                }
-                            }
+                            Component.onCompleted: currentIndex = row.preferredMode
                         }
                         Button {
                             objectName: row.current ? "stopDeviceButton" : "startDeviceButton"

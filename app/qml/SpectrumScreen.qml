@@ -57,7 +57,7 @@ Item {
                 Label { text: qsTr("Peak"); color: theme.dimText }
                 Label {
                     objectName: "peakFrequencyLabel"
-                    text: ui.spectrum.peakFrequency < 0 ? "—" : qsTr("%1 Hz").arg(ui.spectrum.peakFrequency.toFixed(1))
+                    text: ui.spectrum.peakFrequencyText
                     font.bold: true
                     font.pointSize: theme.basePointSize * 1.2
                 }

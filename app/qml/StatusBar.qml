@@ -132,8 +132,7 @@ Rectangle {
         Label {
             objectName: "statusApi"
             visible: ui.status.apiAddress !== ""
-            // The address alone says little; "API off" already says what it is.
-            text: ui.status.apiAddress.startsWith("API") ? ui.status.apiAddress : qsTr("API %1").arg(ui.status.apiAddress)
+            text: ui.status.apiAddress
             color: theme.dimText
             elide: Text.ElideRight
             Layout.maximumWidth: theme.unit * 22

@@ -49,6 +49,8 @@ QVariant DeviceListModel::data(const QModelIndex& index, int role) const
         return describeModes(device);
     case PreferredChannelsRole:
         return device.preferredChannelCount;
+    case PreferredModeRole:
+        return int(device.channelModes.keys().indexOf(device.preferredChannelCount));
     case FavouriteRole:
         return !m_favourite.isEmpty() && device.name == m_favourite;
     case KindRole:
@@ -65,6 +67,7 @@ QHash<int, QByteArray> DeviceListModel::roleNames() const
     return { { NameRole, "name" },           { SerialNumberRole, "serialNumber" },
              { ModelNameRole, "modelName" },         { BatteryRole, "battery" },
              { ChannelModesRole, "channelModes" }, { PreferredChannelsRole, "preferredChannels" },
+             { PreferredModeRole, "preferredMode" },
              { FavouriteRole, "favourite" }, { KindRole, "kind" },
              { CurrentRole, "current" } };
 }

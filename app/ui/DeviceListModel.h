@@ -17,6 +17,7 @@ public:
         BatteryRole,      // percent, -1 unknown
         ChannelModesRole, // [{"channels": n, "frequency": hz, "text": "8 channels, 250 Hz"}]
         PreferredChannelsRole,
+        PreferredModeRole, // index in channelModes of the preferred channel count, -1 when none
         FavouriteRole,
         KindRole,         // "headset", "generator", "player", "simulated"
         CurrentRole       // the device that streams now

@@ -21,6 +21,7 @@ class SpectrumController : public QObject
     Q_PROPERTY(QList<double> maxFrequencies READ maxFrequencies NOTIFY layoutChanged)
     Q_PROPERTY(int spectrogramChannel READ spectrogramChannel WRITE setSpectrogramChannel NOTIFY viewChanged)
     Q_PROPERTY(double peakFrequency READ peakFrequency NOTIFY spectrumUpdated)
+    Q_PROPERTY(QString peakFrequencyText READ peakFrequencyText NOTIFY spectrumUpdated)
     Q_PROPERTY(bool hasSpectrum READ hasSpectrum NOTIFY spectrumUpdated)
     Q_PROPERTY(double windowSeconds READ windowSeconds NOTIFY layoutChanged)
 public:
@@ -38,6 +39,8 @@ public:
     void setSpectrogramChannel(int channel);
     // Frequency of the largest bin above 0.5 Hz of the first chosen channel; -1 before a spectrum.
     double peakFrequency() const;
+    // "9.8 Hz", or "—" before a spectrum.
+    QString peakFrequencyText() const;
     bool hasSpectrum() const { return m_hasSpectrum; }
     double windowSeconds() const;
 

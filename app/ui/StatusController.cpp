@@ -35,7 +35,7 @@ QString StatusController::apiAddress() const
     const OrvexDataServer* server = m_model->dataServer();
     if (!server)
         return QStringLiteral("API off");
-    return QStringLiteral("http://127.0.0.1:%1 · ws :%2").arg(server->portHTTP()).arg(server->portWebSocket());
+    return QStringLiteral("API http://127.0.0.1:%1 · ws :%2").arg(server->portHTTP()).arg(server->portWebSocket());
 }
 
 void StatusController::setMessage(const QString& message)

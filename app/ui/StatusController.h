@@ -21,6 +21,7 @@ public:
     QString deviceName() const { return m_deviceName; }
     int battery() const { return m_battery; }
     double samplingRate() const { return m_samplingRate; }
+    // "API http://127.0.0.1:2336 · ws :1336", or "API off".
     QString apiAddress() const;
     QString message() const { return m_message; }
     void setMessage(const QString& message);
