@@ -112,6 +112,9 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(m_startup->firstFrameMs() > 0, 5000);
         show(0);
         QVERIFY(ui()->devices()->devices()->rowOf(QStringLiteral("GeneratorDevice")) >= 0);
+        if (!ui()->devices()->isBluetoothAvailable()) // test machines have no adapter
+            QVERIFY(item("devicesMessage")->isVisible()
+                    && ui()->devices()->message().startsWith(QStringLiteral("No Bluetooth adapter")));
         saveScreenshot(QStringLiteral("devices"));
     }
 
