@@ -1,5 +1,6 @@
 #include "app/OrvexModel.h"
 
+#include "app/RecordingResumer.h"
 #include "app/ui/UiModel.h"
 #include "core/CortexCore.h"
 #include "server/CommandReferencePage.h"
@@ -54,6 +55,7 @@ CortexCore* OrvexModel::createEngine()
     engine->setVirtualDeviceSettings(m_virtualDevices);
     applyRecordingSettings(engine);
     connect(engine, &CortexCore::deviceStarted, this, [this, engine] { startMetering(engine); });
+    new RecordingResumer(engine, m_settings, engine);
     return engine;
 }
 

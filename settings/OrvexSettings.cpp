@@ -37,6 +37,11 @@ void OrvexSettings::setStartFavouriteDevice(bool value)
     assign(m_startFavouriteDevice, value, &OrvexSettings::StartFavouriteDeviceChanged);
 }
 
+void OrvexSettings::setResumeRecordingAfterReconnect(bool value)
+{
+    assign(m_resumeRecordingAfterReconnect, value, &OrvexSettings::ResumeRecordingAfterReconnectChanged);
+}
+
 void OrvexSettings::setLoggingEnabled(bool value)
 {
     assign(m_loggingEnabled, value, &OrvexSettings::LoggingEnabledChanged);

@@ -133,6 +133,15 @@ class OrvexSettings : public KxSettings
     Q_CLASSINFO("RecordRawEDFDisplayName", "Record raw signal")
     Q_CLASSINFO("RecordRawEDFDescription", "Also write the unfiltered device channels to a .raw.bdf file")
 
+    Q_PROPERTY(bool ResumeRecordingAfterReconnect READ getResumeRecordingAfterReconnect WRITE
+                   setResumeRecordingAfterReconnect NOTIFY ResumeRecordingAfterReconnectChanged)
+    Q_CLASSINFO("ResumeRecordingAfterReconnectCategory", "3.Recording")
+    Q_CLASSINFO("ResumeRecordingAfterReconnectDefault", "true")
+    Q_CLASSINFO("ResumeRecordingAfterReconnectEditable", "true")
+    Q_CLASSINFO("ResumeRecordingAfterReconnectDisplayName", "Resume recording after a reconnection")
+    Q_CLASSINFO("ResumeRecordingAfterReconnectDescription",
+                "Continue a recording that a lost device paused as soon as the device streams again")
+
     Q_PROPERTY(bool RecordOXD READ getRecordOXD WRITE setRecordOXD NOTIFY RecordOXDChanged)
     Q_CLASSINFO("RecordOXDCategory", "3.Recording")
     Q_CLASSINFO("RecordOXDDefault", "true")
@@ -543,6 +552,7 @@ public:
     int getStorageTime() const { return m_storageTime; }
     QString getFavouriteDevice() const { return m_favouriteDevice; }
     bool getStartFavouriteDevice() const { return m_startFavouriteDevice; }
+    bool getResumeRecordingAfterReconnect() const { return m_resumeRecordingAfterReconnect; }
     bool getLoggingEnabled() const { return m_loggingEnabled; }
     float getHPF() const { return m_hpf; }
     float getLPF() const { return m_lpf; }
@@ -595,6 +605,7 @@ public:
     void setStorageTime(int value);
     void setFavouriteDevice(QString value);
     void setStartFavouriteDevice(bool value);
+    void setResumeRecordingAfterReconnect(bool value);
     void setLoggingEnabled(bool value);
     void setHPF(float value);
     void setLPF(float value);
@@ -648,6 +659,7 @@ Q_SIGNALS:
     void StorageTimeChanged();
     void FavouriteDeviceChanged();
     void StartFavouriteDeviceChanged();
+    void ResumeRecordingAfterReconnectChanged();
     void LoggingEnabledChanged();
     void HPFChanged();
     void LPFChanged();
@@ -702,6 +714,7 @@ private:
     int m_storageTime = 0;
     QString m_favouriteDevice;
     bool m_startFavouriteDevice = true;
+    bool m_resumeRecordingAfterReconnect = true;
     bool m_loggingEnabled = false;
     float m_hpf = 0.0f;
     float m_lpf = 0.0f;

@@ -1,3 +1,5 @@
+#include "formats/EDFReader.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -120,6 +122,28 @@ private Q_SLOTS:
         QVERIFY(result.err.contains(QStringLiteral("LowEnergy controller disconnected")));
         QVERIFY(result.err.contains(QStringLiteral("RESTART DEVICE OX8G (0031)")));
         QCOMPARE(int(result.rows.size()), 375); // two of the three seconds after the restart
+    }
+
+    // A recording that the lost link paused continues when the headset is back: the file holds
+    // signal from after the reconnection, and the gap is marked.
+    void recordingContinuesAfterReconnection()
+    {
+        const QString stem = m_home.filePath(QStringLiteral("reconnected"));
+        const Run result = run(QStringLiteral("reconnect"),
+                               { "--set", "HeadsetSimDisconnectAfter=1", "--set", "HeadsetSimAwayFor=1", "--record", stem },
+                               4);
+        QCOMPARE(result.exitCode, 0);
+        EDFReader reader(stem + QStringLiteral(".edf"));
+        QVERIFY(reader.open());
+        // One second before the loss, the rest after it (one record may stay partial).
+        QVERIFY2(reader.getChannelData(0, 0, 1000).size() >= 2 * 125, qPrintable(result.err.right(2000)));
+        QList<edf_annotation_struct> annotations;
+        reader.getAnnotationList(annotations);
+        QStringList texts;
+        for (const edf_annotation_struct& annotation : annotations)
+            texts.append(QString::fromUtf8(annotation.annotation));
+        QVERIFY2(texts.contains(QStringLiteral("Device disconnected")), qPrintable(texts.join('|')));
+        QVERIFY2(texts.contains(QStringLiteral("Device reconnected")), qPrintable(texts.join('|')));
     }
 
     void silenceIsNoticedAndReconnected()

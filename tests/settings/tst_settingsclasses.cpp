@@ -123,7 +123,7 @@ private Q_SLOTS:
         checkDeclarations(settings);
         checkValues(settings, { "HPF=2", "LPF=40", "BSF=50", "BSF2=0", "HPFOrder=4", "LPFOrder=4", "UseFIR=true",
                                 "StorageTime=10", "DataFolder=", "RecordRawEDF=false", "RecordOXD=true",
-                                "APIEnabled=true", "APIPort=2336", "LoggingEnabled=false", "FavouriteDevice=", "StartFavouriteDevice=true",
+                                "APIEnabled=true", "APIPort=2336", "LoggingEnabled=false", "FavouriteDevice=", "StartFavouriteDevice=true", "ResumeRecordingAfterReconnect=true",
                                 "MeditationChannels=O1,O2" });
         QCOMPARE(settings.getPropertyByName("MeditationChannels")->getCategory(), QStringLiteral("4.Meditation"));
 
