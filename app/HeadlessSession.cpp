@@ -49,6 +49,10 @@ bool HeadlessSession::start(QString& error)
         }
         m_metricsOpen = true;
     }
+    connect(engine, &CortexCore::recordFailed, this, [this](const QString& error) {
+        std::fprintf(stderr, "orvexpro: the recording stopped: %s\n", qUtf8Printable(error));
+        finish(1);
+    });
     connect(engine, &CortexCore::newDataByChannel, this, &HeadlessSession::onData);
     connect(engine, &CortexCore::newCortexDataResult, this, &HeadlessSession::onResult);
     if (m_pushTimer) {

@@ -485,7 +485,8 @@ CortexDataResult CortexCore::addDataChannelWise(QList<QList<float>> block)
     m_metering.process(filtered, now, result);
 
     if (m_record && !m_recordPaused) {
-        m_record->write(filtered, block, now);
+        if (!m_record->write(filtered, block, now))
+            stopRecordAfterFailure();
         Q_EMIT recordDurationChanged(m_record->durationSeconds());
     }
 
@@ -1033,6 +1034,28 @@ void CortexCore::writePendingAnnotations()
     }
 }
 
+// A file of the recording could not be written (a full disk): the recording ends cleanly, a
+// turn later, so the data path that noticed it finishes first. Streaming goes on.
+void CortexCore::stopRecordAfterFailure()
+{
+    if (m_recordFailing)
+        return;
+    m_recordFailing = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_recordFailing = false;
+            if (!m_record)
+                return;
+            const QString error = m_record->failure();
+            GlobalConsole::writeLine(QStringLiteral("RECORDING STOPPED: ") + error);
+            stopRecord();
+            m_lastRecordError = error;
+            Q_EMIT recordFailed(error);
+        },
+        Qt::QueuedConnection);
+}
+
 QList<QString> CortexCore::stopRecord()
 {
     if (!m_record)
@@ -1102,8 +1125,13 @@ bool CortexCore::addFileToRecord(QString name, QByteArray data)
 
 bool CortexCore::addLogItem(QVariant value, QString key, QDateTime time)
 {
-    if (m_recording && m_record)
-        return m_record->log(value, key, time);
+    if (m_recording && m_record) {
+        if (m_record->log(value, key, time))
+            return true;
+        if (!m_record->failure().isEmpty())
+            stopRecordAfterFailure();
+        return false;
+    }
     if (key == AnnotationKey) {
         m_pendingLog.append({ time, key, value });
         return true;

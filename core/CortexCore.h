@@ -196,6 +196,8 @@ Q_SIGNALS:
     void recordContinued();
     void recordStopped(QList<QString> paths, float durationSeconds);
     void isRecordingChanged(bool isRecording);
+    // A file could not be written and the recording was stopped; lastRecordError() says why.
+    void recordFailed(QString error);
     void newAnnotation(QString text, int onsetMs);
     void stateRecordStarted(int index);
     void stateRecordStopped(int index);
@@ -203,6 +205,7 @@ Q_SIGNALS:
 
 protected:
     void reconnectToDevice(QString name);
+    void stopRecordAfterFailure();
 
 private Q_SLOTS:
     void onDeviceData(QList<QList<float>> block);
@@ -275,6 +278,7 @@ private:
     QString m_lastRecordError;
     bool m_recording = false;
     bool m_recordPaused = false;
+    bool m_recordFailing = false; // a stop after a failed write is on its way
     bool m_recordRaw = false;
     bool m_recordOxd = true;
     qint64 m_pauseStartedMs = 0;

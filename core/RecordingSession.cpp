@@ -74,7 +74,7 @@ QList<QString> RecordingSession::close()
     return paths;
 }
 
-void RecordingSession::write(const QList<QList<float>>& filtered, const QList<QList<float>>& deviceBlock,
+bool RecordingSession::write(const QList<QList<float>>& filtered, const QList<QList<float>>& deviceBlock,
                              qint64 arrivalMs)
 {
     if (m_edf)
@@ -83,6 +83,22 @@ void RecordingSession::write(const QList<QList<float>>& filtered, const QList<QL
         m_raw->writeData(deviceBlock);
     if (m_oxd)
         m_oxd->writeBlock(arrivalMs, deviceBlock);
+    checkWriters();
+    return m_failure.isEmpty();
+}
+
+void RecordingSession::checkWriters()
+{
+    if (!m_failure.isEmpty())
+        return;
+    for (const EDFWriter* writer : { m_edf.get(), m_raw.get() }) {
+        if (writer && writer->hasFailed()) {
+            m_failure = QStringLiteral("writing %1 failed: %2").arg(writer->path(), writer->errorString());
+            return;
+        }
+    }
+    if (m_oxd && m_oxd->hasFailed())
+        m_failure = QStringLiteral("writing %1 failed: %2").arg(m_oxd->path(), m_oxd->errorString());
 }
 
 void RecordingSession::pause()
@@ -116,13 +132,24 @@ int RecordingSession::addAnnotation(const QString& text, int onsetMs, int durati
 bool RecordingSession::log(const QVariant& value, const QString& key, const QDateTime& time)
 {
     QFile file(m_stem + QStringLiteral(".log"));
-    if (m_stem.isEmpty() || !file.open(QIODevice::Append | QIODevice::WriteOnly))
+    if (m_stem.isEmpty())
         return false;
+    if (!file.open(QIODevice::Append | QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        if (m_failure.isEmpty())
+            m_failure = QStringLiteral("writing %1 failed: %2").arg(file.fileName(), file.errorString());
+        return false;
+    }
+    const qint64 before = file.size();
     const QString line = QString::number(time.toMSecsSinceEpoch()) + QLatin1Char('\t') + key + QLatin1Char('\t')
         + value.toString();
-    file.write((line + QStringLiteral("\r\n")).toUtf8());
+    const QByteArray bytes = (line + QStringLiteral("\r\n")).toUtf8();
     GlobalConsole::writeLine(line);
-    return true;
+    if (file.write(bytes) == bytes.size() && file.flush())
+        return true;
+    file.resize(before); // only whole lines stay in the log
+    if (m_failure.isEmpty())
+        m_failure = QStringLiteral("writing %1 failed: %2").arg(file.fileName(), file.errorString());
+    return false;
 }
 
 bool RecordingSession::addFile(const QString& name, const QByteArray& data)

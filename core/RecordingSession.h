@@ -39,7 +39,10 @@ public:
     // Closes every file and returns the paths written (the log only if it exists).
     QList<QString> close();
 
-    void write(const QList<QList<float>>& filtered, const QList<QList<float>>& deviceBlock, qint64 arrivalMs);
+    // False once a file could not be written (see failure()); the files stay valid.
+    bool write(const QList<QList<float>>& filtered, const QList<QList<float>>& deviceBlock, qint64 arrivalMs);
+    // "writing <file> failed: <reason>" for the first file that failed; empty while all is well.
+    QString failure() const { return m_failure; }
     void pause();
     void resume();
     int addAnnotation(const QString& text, int onsetMs, int durationMs);
@@ -52,8 +55,11 @@ public:
     QString stem() const { return m_stem; }
 
 private:
+    void checkWriters();
+
     QString m_stem;
     std::unique_ptr<EDFWriter> m_edf;
     std::unique_ptr<EDFWriter> m_raw;
     std::unique_ptr<OxdWriter> m_oxd;
+    QString m_failure;
 };

@@ -39,6 +39,9 @@ public:
 
     bool open();
     bool isFileOpen() const { return m_open; }
+    // A write failed (a full disk): the file keeps its whole records and takes no more.
+    bool hasFailed() const { return m_file.hasFailed(); }
+    QString errorString() const { return m_file.errorString(); }
     QString path() const { return m_path; }
     void setPath(const QString& path);
     QString getPatientName() const { return m_patientName; }

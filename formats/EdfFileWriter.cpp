@@ -28,6 +28,7 @@ bool EdfFileWriter::fail(const QString& what)
 {
     kxDebug() << QString("EdfFileWriter: %1 (%2)").arg(what, m_file.fileName());
     m_failed = true;
+    m_error = what;
     return false;
 }
 
@@ -112,7 +113,8 @@ bool EdfFileWriter::open(const QString& path, Format format, const EdfFileHeader
 
     QDir().mkpath(QFileInfo(path).absolutePath());
     // Every record goes to the file as soon as it is complete; a buffer would only copy it.
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
+    // Readable too: closing places late annotations into records already written.
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Truncate | QIODevice::Unbuffered))
         return fail(QStringLiteral("cannot open for writing: %1").arg(m_file.errorString()));
     const QByteArray header = buildHeader();
     if (m_file.write(header) != header.size() || !m_file.flush())
@@ -253,8 +255,14 @@ void EdfFileWriter::fillAnnotations()
 bool EdfFileWriter::finishRecord()
 {
     fillAnnotations();
-    if (m_file.write(m_record) != m_record.size() || !m_file.flush())
-        return fail(QStringLiteral("cannot write a data record: %1").arg(m_file.errorString()));
+    errno = 0;
+    if (m_file.write(m_record) != m_record.size() || !m_file.flush()) {
+        // A short write sets no error: the file could not grow.
+        fail(QStringLiteral("cannot write a data record: %1")
+                 .arg(errno ? QString::fromLocal8Bit(std::strerror(errno)) : QStringLiteral("no space left")));
+        cutPartialRecord();
+        return false;
+    }
     ++m_records;
     m_ticksSinceCount += m_header.recordDurationTicks;
     if (m_ticksSinceCount >= CountUpdateTicks)
@@ -264,6 +272,15 @@ bool EdfFileWriter::finishRecord()
             return false;
     }
     return true;
+}
+
+// What a failed write left of a record goes, so the file ends with its last whole record.
+void EdfFileWriter::cutPartialRecord()
+{
+    const qint64 whole = m_header.headerBytes + m_records * m_record.size();
+    if (m_file.handle() < 0 || ::ftruncate(m_file.handle(), whole) != 0)
+        kxDebug() << QString("EdfFileWriter: cannot cut the partial record (%1)").arg(m_file.fileName());
+    m_file.seek(whole);
 }
 
 bool EdfFileWriter::writeAt(qint64 position, const QByteArray& bytes)
@@ -279,6 +296,37 @@ bool EdfFileWriter::writeAt(qint64 position, const QByteArray& bytes)
     if (!m_file.seek(position) || m_file.write(bytes) != bytes.size() || !m_file.seek(end) || !m_file.flush())
         return fail(QStringLiteral("cannot update the header: %1").arg(m_file.errorString()));
     return true;
+}
+
+// Each TAL carries its own onset, so any record's annotation space can hold it. The records
+// are rewritten in place, the newest first, in their unused (zero) tail.
+void EdfFileWriter::placePendingInWrittenRecords()
+{
+    const qint64 area = m_record.size() - m_offsets.last();
+    QByteArray space(int(area), '\0');
+    for (qint64 r = m_records - 1; r >= 0 && !m_pending.isEmpty(); --r) {
+        const qint64 at = m_header.headerBytes + r * m_record.size() + m_offsets.last();
+        if (::pread(m_file.handle(), space.data(), size_t(area), at) != area)
+            break;
+        // The used part ends after the last TAL's terminating zero; the signal's last byte stays 0.
+        qint64 used = area - 1;
+        while (used > 0 && space[int(used - 1)] == '\0')
+            --used;
+        qint64 free = used == 0 ? 0 : used + 1;
+        bool changed = false;
+        while (!m_pending.isEmpty() && free + m_pending.head().size() < area) {
+            const QByteArray tal = m_pending.dequeue();
+            std::copy(tal.cbegin(), tal.cend(), space.begin() + free);
+            free += tal.size();
+            changed = true;
+        }
+        if (changed && ::pwrite(m_file.handle(), space.constData(), size_t(area), at) != area)
+            break;
+    }
+    if (!m_pending.isEmpty())
+        kxDebug() << QString("EdfFileWriter: %1 annotations found no room and are not in %2")
+                         .arg(m_pending.size())
+                         .arg(m_file.fileName());
 }
 
 bool EdfFileWriter::addAnnotation(qint64 onsetTicks, qint64 durationTicks, const QString& text)
@@ -324,17 +372,13 @@ bool EdfFileWriter::close()
 {
     if (!isOpen())
         return false;
-    bool ok = !m_failed;
-    const int bps = m_bdf ? 3 : 2;
-    while (ok && !m_pending.isEmpty())
-    {
-        for (int i = 0; i + 1 < m_signals.size(); ++i)
-            for (int k = 0; k < m_signals[i].samplesPerRecord; ++k)
-                putSample(m_offsets[i] + k * bps, m_zeroDigital[i]);
-        ok = finishRecord();
-    }
-    if (ok)
-        ok = writeAt(RecordCountOffset, EdfFieldText::fixed(QString::number(m_records), 8));
+    const bool failedBefore = m_failed;
+    placePendingInWrittenRecords();
+    // Rewriting bytes in place needs no free space: even after a failure the count is set.
+    m_failed = false;
+    bool ok = writeAt(RecordCountOffset, EdfFieldText::fixed(QString::number(m_records), 8));
+    ok = ok && !failedBefore;
+    m_failed = m_failed || failedBefore;
     m_header.recordCount = m_records;
     m_file.close();
     m_pending.clear();

@@ -15,15 +15,19 @@
 // Crash safety: every record is flushed to the OS; the header's record count is -1 after
 // open and rewritten after each second of recording time (readers that trust the count lose
 // at most that), and exactly on close().
+//
+// A failed write (a full disk) cuts the partial record and sets the count to the whole
+// records, so the file stays valid; the writer then refuses further records.
 class EdfFileWriter
 {
 public:
     enum class Format { Edf, Bdf };
 
-    // Annotation signal bytes per record: room for the time-keeping TAL plus three
-    // annotations of maximum length, or about 25 short ones. More are queued.
-    static constexpr int AnnotationBytesEdf = 1024; // 512 samples of 2 bytes
-    static constexpr int AnnotationBytesBdf = 1026; // 342 samples of 3 bytes
+    // Annotation signal bytes per record: a burst of 200 annotations with 40-byte texts within
+    // one record (about 58 bytes each with onset and duration) fits without waiting for later
+    // records. What still does not fit is queued for the next records.
+    static constexpr int AnnotationBytesEdf = 12000; // 6000 samples of 2 bytes
+    static constexpr int AnnotationBytesBdf = 12000; // 4000 samples of 3 bytes
     // Longer UTF-8 texts are cut (at a character boundary).
     static constexpr int MaxAnnotationTextBytes = 256;
     static constexpr qint64 MaxRecordBytes = 10 * 1024 * 1024;
@@ -54,9 +58,13 @@ public:
     bool updatePatientField(const QString& patient);
     bool updateRecordingField(const QString& recording);
 
-    // Writes records (physical 0, clipped) while annotations are still queued, then the
-    // final record count. False when not open or on a write error.
+    // Places annotations still queued into the free annotation space of records already
+    // written (never adds records without signal), then writes the final record count.
+    // False when not open or after a write error (the file is still left valid).
     bool close();
+    bool hasFailed() const { return m_failed; }
+    // Why the last operation failed.
+    QString errorString() const { return m_error; }
 
     qint64 recordsWritten() const { return m_records; }
     qint64 startOffsetTicks() const { return m_startOffsetTicks; }
@@ -71,6 +79,8 @@ private:
     void putSample(int offset, int digital);
     void fillAnnotations();
     bool finishRecord();
+    void cutPartialRecord();
+    void placePendingInWrittenRecords();
     bool writeAt(qint64 position, const QByteArray& bytes);
     bool fail(const QString& what);
 
@@ -86,4 +96,5 @@ private:
     qint64 m_startOffsetTicks = 0;
     qint64 m_ticksSinceCount = 0;
     bool m_failed = false;
+    QString m_error;
 };

@@ -1,5 +1,9 @@
 #include "formats/OxdWriter.h"
 
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
 #include "formats/Crc32.h"
 #include "formats/OxdFormat.h"
 #include "services/GlobalConsoleWriter.h"
@@ -39,15 +43,20 @@ bool OxdWriter::open(const QString& path, const QJsonObject& header)
     if (isOpen())
         close();
     m_error.clear();
+    m_failed = false;
+    m_wholeSize = 0;
     m_file.setFileName(path);
     QDir().mkpath(QFileInfo(path).absolutePath());
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    // Unbuffered: a chunk is flushed at once anyway, and a failed write leaves nothing behind
+    // in a buffer that closing would try again.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
         return fail(QStringLiteral("cannot create: %1").arg(m_file.errorString()));
     QByteArray start(OxdFormat::Magic, sizeof(OxdFormat::Magic));
     append<quint16>(start, OxdFormat::Version);
     append<quint16>(start, 0);
     if (m_file.write(start) != start.size())
         return fail(QStringLiteral("cannot write: %1").arg(m_file.errorString()));
+    m_wholeSize = start.size();
     return writeChunk(OxdFormat::HeaderTag, QJsonDocument(header).toJson(QJsonDocument::Compact));
 }
 
@@ -91,19 +100,30 @@ bool OxdWriter::close()
 {
     if (!isOpen())
         return false;
-    const bool ended = writeChunk(OxdFormat::EndTag, QByteArray());
+    const bool ended = !m_failed && writeChunk(OxdFormat::EndTag, QByteArray());
     m_file.close();
     return ended;
 }
 
 bool OxdWriter::writeChunk(quint32 tag, const QByteArray& payload)
 {
+    if (m_failed)
+        return false;
     m_chunk.clear();
     append<quint32>(m_chunk, tag);
     append<quint32>(m_chunk, quint32(payload.size()));
     m_chunk.append(payload);
     append<quint32>(m_chunk, Crc32::compute(payload.constData(), payload.size()));
-    if (m_file.write(m_chunk) != m_chunk.size() || !m_file.flush())
-        return fail(QStringLiteral("cannot write: %1").arg(m_file.errorString()));
+    errno = 0;
+    if (m_file.write(m_chunk) != m_chunk.size() || !m_file.flush()) {
+        // A short write sets no error: the file could not grow.
+        const QString reason = errno ? QString::fromLocal8Bit(std::strerror(errno)) : QStringLiteral("no space left");
+        m_failed = true;
+        // What the failed write left of the chunk goes: the file ends with a whole one.
+        if (m_file.handle() >= 0 && ::ftruncate(m_file.handle(), m_wholeSize) == 0)
+            m_file.seek(m_wholeSize);
+        return fail(QStringLiteral("cannot write: %1").arg(reason));
+    }
+    m_wholeSize += m_chunk.size();
     return true;
 }

@@ -29,6 +29,8 @@ public:
     bool isOpen() const { return m_file.isOpen(); }
     QString path() const { return m_file.fileName(); }
     QString errorString() const { return m_error; }
+    // A write failed (a full disk): the file ends with its last whole chunk and takes no more.
+    bool hasFailed() const { return m_failed; }
 
 private:
     bool writeChunk(quint32 tag, const QByteArray& payload);
@@ -38,4 +40,6 @@ private:
     QByteArray m_payload; // reused for every block
     QByteArray m_chunk;
     QString m_error;
+    qint64 m_wholeSize = 0; // bytes up to the end of the last complete chunk
+    bool m_failed = false;
 };

@@ -45,3 +45,11 @@ bool BaseCortexCoreNodeCommand::checkGrabMode(CortexCore* node, QJsonObject& res
     setError(response, grabModeErrorText());
     return false;
 }
+
+QString BaseCortexCoreNodeCommand::notRecordingError(const CortexCore* node)
+{
+    const QString error = QStringLiteral("Record has not been started");
+    if (node->lastRecordError().isEmpty())
+        return error;
+    return error + QStringLiteral(" (last recording error: ") + node->lastRecordError() + QLatin1Char(')');
+}

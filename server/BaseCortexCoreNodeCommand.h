@@ -27,6 +27,9 @@ public:
 protected:
     // Sets the grab-mode error and returns false when the node does not grab.
     static bool checkGrabMode(CortexCore* node, QJsonObject& response);
+    // "Record has not been started", with the last recording error (a failed write that ended
+    // the recording, or a refused start) when there is one.
+    static QString notRecordingError(const CortexCore* node);
 
 private:
     bool m_requiresDevice;

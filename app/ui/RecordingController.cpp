@@ -29,6 +29,9 @@ RecordingController::RecordingController(CortexCore* engine, OrvexSettings* sett
         Q_EMIT durationChanged();
         Q_EMIT stateChanged();
     });
+    connect(engine, &CortexCore::recordFailed, this, [this](const QString& error) {
+        setError(QStringLiteral("The recording stopped: ") + error);
+    });
     connect(engine, &CortexCore::recordDurationChanged, this, [this](float seconds) {
         m_duration = seconds;
         Q_EMIT durationChanged();

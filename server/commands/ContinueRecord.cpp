@@ -10,7 +10,7 @@ ContinueRecord::ContinueRecord(DataServerContext* context, QObject* parent)
 bool ContinueRecord::processCommand(CortexCore* node, Referrer, QJsonObject& response, QMap<QString, QString>&)
 {
     if (!node->isRecording()) {
-        setError(response, QStringLiteral("Record has not been started"));
+        setError(response, notRecordingError(node));
         return false;
     }
     if (!node->isRecordPaused()) {

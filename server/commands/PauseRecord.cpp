@@ -10,7 +10,7 @@ PauseRecord::PauseRecord(DataServerContext* context, QObject* parent)
 bool PauseRecord::processCommand(CortexCore* node, Referrer, QJsonObject& response, QMap<QString, QString>&)
 {
     if (!node->isRecording()) {
-        setError(response, QStringLiteral("Record has not been started"));
+        setError(response, notRecordingError(node));
         return false;
     }
     if (node->isRecordPaused()) {

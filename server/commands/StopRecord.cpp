@@ -16,7 +16,7 @@ StopRecord::StopRecord(DataServerContext* context, QObject* parent)
 bool StopRecord::processCommand(CortexCore* node, Referrer, QJsonObject& response, QMap<QString, QString>&)
 {
     if (!node->isRecording()) {
-        setError(response, QStringLiteral("Record has not been started"));
+        setError(response, notRecordingError(node));
         return false;
     }
     const QString reason = QStringLiteral("STOP ON WEB COMMAND");
