@@ -2,7 +2,9 @@
 #include "formats/OxdReader.h"
 #include "support/ReferenceRun.h"
 
+#include <QDir>
 #include <QElapsedTimer>
+#include <QScopeGuard>
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QProcess>
@@ -10,23 +12,83 @@
 #include <QtTest>
 
 // A recording process killed without warning (SIGKILL: no handler, no close) leaves files that
-// open in our reader and in MNE, missing at most the last 2 s.
+// open in our reader and in MNE, missing at most the last 2 s. A disk that fills up during a
+// recording stops it with a clear line and exit code 1, leaving whole files.
 class TestCrashSafety : public QObject
 {
     Q_OBJECT
 
     QTemporaryDir m_home;
 
-private Q_SLOTS:
-    void killedRecordingStaysReadable()
+    QProcessEnvironment environment() const
     {
-        const QString stem = m_home.filePath(QStringLiteral("rec/x"));
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("HOME"), m_home.path());
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        return env;
+    }
+
+    // Data records in the file by its size, against the count its header gives.
+    static bool recordCountMatchesSize(const QString& path, qint64& records)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return false;
+        const QByteArray fixed = file.read(256);
+        const int signals_ = fixed.mid(252, 4).trimmed().toInt();
+        const qint64 headerBytes = fixed.mid(184, 8).trimmed().toLongLong();
+        records = fixed.mid(236, 8).trimmed().toLongLong();
+        const QByteArray signalHeaders = file.read(256 * signals_);
+        qint64 recordBytes = 0;
+        for (int i = 0; i < signals_; ++i)
+            recordBytes += signalHeaders.mid(216 * signals_ + 8 * i, 8).trimmed().toLongLong() * 2;
+        return records > 0 && file.size() == headerBytes + records * recordBytes;
+    }
+
+private Q_SLOTS:
+    void fullDiskStopsTheRecordingAndLeavesWholeFiles()
+    {
+        const QString disk = m_home.filePath(QStringLiteral("small-disk"));
+        QDir().mkpath(disk);
+        QProcess mount;
+        mount.start(QStringLiteral("mount"), { "-t", "tmpfs", "-o", "size=300k", "tmpfs", disk });
+        if (!mount.waitForFinished() || mount.exitCode() != 0)
+            QSKIP("a small tmpfs cannot be mounted here (needs root): the full-disk case is not run");
+        const auto unmount = qScopeGuard([&disk] { QProcess::execute(QStringLiteral("umount"), { disk }); });
+
         QProcess process;
-        process.setProcessEnvironment(env);
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--no-api", "--set", "GeneratorSamplingRate=1000",
+                                                      "--duration", "60", "--record", disk + "/full" });
+        QVERIFY(process.waitForFinished(60000));
+        const QString err = QString::fromUtf8(process.readAllStandardError());
+        QCOMPARE(process.exitCode(), 1);
+        QCOMPARE(err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(err.startsWith(QStringLiteral("orvexpro: the recording stopped: writing ")), qPrintable(err));
+
+        qint64 records = 0;
+        QVERIFY(recordCountMatchesSize(disk + "/full.edf", records));
+        EDFReader reader(disk + "/full.edf");
+        QVERIFY(reader.open());
+        QCOMPARE(reader.lengthSamples(), records * 1000);
+        QString error;
+        const QJsonObject seen = ReferenceRun::mne({ disk + "/full.edf" }, false, &error).first().toObject();
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QCOMPARE(qint64(seen.value("n_times").toDouble()), records * 1000);
+        OxdReader oxd;
+        QVERIFY2(oxd.read(disk + "/full.oxd"), qPrintable(oxd.errorString()));
+        QVERIFY(!oxd.blocks().isEmpty());
+        QFile log(disk + "/full.log");
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QVERIFY(log.readAll().endsWith("\r\n"));
+    }
+
+    void killedRecordingStaysReadable()
+    {
+        const QString stem = m_home.filePath(QStringLiteral("rec/x"));
+        QProcess process;
+        process.setProcessEnvironment(environment());
         process.start(QStringLiteral(ORVEX_BINARY),
                       { "--headless", "--no-api", "--device", "generator", "--record", stem + ".edf" });
         QVERIFY(process.waitForStarted());

@@ -1,3 +1,5 @@
+#include "formats/EDFReader.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -239,6 +241,41 @@ private Q_SLOTS:
         QVERIFY(closed.value("result").toBool());
         QVERIFY(process.waitForFinished(10000));
         QCOMPARE(process.exitCode(), 0);
+    }
+
+    // 200 annotations in one burst through the API land in the file, and the file holds the
+    // recorded signal only: no records are added to carry them.
+    void annotationBurstThroughTheApi()
+    {
+        QTcpServer probe;
+        QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
+        const int port = probe.serverPort();
+        probe.close();
+        const QString stem = m_home.filePath(QStringLiteral("burst"));
+        QProcess process;
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--api-port", QString::number(port), "--set",
+                                                      "GeneratorSamplingRate=250", "--duration", "4", "--record", stem });
+        QVERIFY(process.waitForStarted());
+        const QString address = QStringLiteral("http://127.0.0.1:%1/").arg(port);
+        QTRY_VERIFY_WITH_TIMEOUT(!httpGet(address + "version").isEmpty(), 15000);
+        for (int i = 0; i < 200; ++i) {
+            const QJsonObject reply = QJsonDocument::fromJson(
+                httpGet(address + QStringLiteral("addEDFAnnotation?text=burst%20%1%20naïve%20électrode").arg(i))).object();
+            QVERIFY2(reply.value("result").toBool(), qPrintable(QJsonDocument(reply).toJson()));
+        }
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(process.exitCode(), 0);
+
+        EDFReader reader(stem + QStringLiteral(".edf"));
+        QVERIFY(reader.open());
+        QVERIFY2(reader.lengthSamples() <= 4 * 250, qPrintable(QString::number(reader.lengthSamples())));
+        QList<edf_annotation_struct> annotations;
+        reader.getAnnotationList(annotations);
+        int burst = 0;
+        for (const edf_annotation_struct& annotation : annotations)
+            burst += QString::fromUtf8(annotation.annotation).startsWith(QStringLiteral("burst "));
+        QCOMPARE(burst, 200);
     }
 
     void informationOptions()
