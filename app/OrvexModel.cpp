@@ -56,6 +56,7 @@ CortexCore* OrvexModel::createEngine()
     applyRecordingSettings(engine);
     connect(engine, &CortexCore::deviceStarted, this, [this, engine] { startMetering(engine); });
     new RecordingResumer(engine, m_settings, engine);
+    connect(engine, &CortexCore::recordSpaceLow, this, &OrvexModel::statusMessage);
     connect(engine, &CortexCore::recordFailed, this,
             [this](const QString& error) { Q_EMIT statusMessage(QStringLiteral("The recording stopped: ") + error); });
     return engine;

@@ -1,4 +1,5 @@
 #include "core/CortexCore.h"
+#include "core/RecordingSpaceWatch.h"
 
 #include "core/AbstractDeviceDiscovery.h"
 #include "core/DefaultMontage.h"
@@ -988,6 +989,14 @@ bool CortexCore::startRecord(QString path, bool)
                                      { QStringLiteral("BSF2"), m_bsf2 },
                                      { QStringLiteral("startMs"), setup.startMs } };
 
+    const qint64 bytesPerSecond = RecordingSpaceWatch::bytesPerSecond(setup);
+    const QString folder = QFileInfo(stem).absolutePath();
+    QDir().mkpath(folder);
+    if (const QString refused = RecordingSpaceWatch::refusal(folder, bytesPerSecond); !refused.isEmpty()) {
+        m_lastRecordError = refused;
+        kxDebug() << QStringLiteral("Recording not started: ") + refused;
+        return false;
+    }
     auto session = std::make_unique<RecordingSession>();
     QString error;
     if (!session->open(setup, error)) {
@@ -1017,6 +1026,7 @@ bool CortexCore::startRecord(QString path, bool)
     for (const auto& [key, value] : items)
         addLogItem(value, key, now);
     writePendingAnnotations();
+    spaceWatch()->start(folder, bytesPerSecond);
     Q_EMIT recordStarted(m_record->edfPath());
     return true;
 }
@@ -1056,11 +1066,21 @@ void CortexCore::stopRecordAfterFailure()
         Qt::QueuedConnection);
 }
 
+RecordingSpaceWatch* CortexCore::spaceWatch()
+{
+    if (!m_spaceWatch) {
+        m_spaceWatch = new RecordingSpaceWatch(this);
+        connect(m_spaceWatch, &RecordingSpaceWatch::spaceLow, this, &CortexCore::recordSpaceLow);
+    }
+    return m_spaceWatch;
+}
+
 QList<QString> CortexCore::stopRecord()
 {
     if (!m_record)
         return {};
     addLogItem(QString(), QStringLiteral("StopRecord"));
+    spaceWatch()->stop();
     const float duration = m_record->durationSeconds();
     QList<QString> paths;
     {

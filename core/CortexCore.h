@@ -24,6 +24,7 @@
 class AbstractDeviceDiscovery;
 class CustomBCIAlgorithm;
 class GeneratorVirtualDevice;
+class RecordingSpaceWatch;
 class VirtualDevicesSettings;
 
 // The acquisition engine: finds devices, starts one, runs every block it delivers through
@@ -198,6 +199,8 @@ Q_SIGNALS:
     void isRecordingChanged(bool isRecording);
     // A file could not be written and the recording was stopped; lastRecordError() says why.
     void recordFailed(QString error);
+    // Less than ten minutes of the running recording fit on its disk.
+    void recordSpaceLow(QString message);
     void newAnnotation(QString text, int onsetMs);
     void stateRecordStarted(int index);
     void stateRecordStopped(int index);
@@ -206,6 +209,7 @@ Q_SIGNALS:
 protected:
     void reconnectToDevice(QString name);
     void stopRecordAfterFailure();
+    RecordingSpaceWatch* spaceWatch();
 
 private Q_SLOTS:
     void onDeviceData(QList<QList<float>> block);
@@ -279,6 +283,7 @@ private:
     bool m_recording = false;
     bool m_recordPaused = false;
     bool m_recordFailing = false; // a stop after a failed write is on its way
+    RecordingSpaceWatch* m_spaceWatch = nullptr;
     bool m_recordRaw = false;
     bool m_recordOxd = true;
     qint64 m_pauseStartedMs = 0;

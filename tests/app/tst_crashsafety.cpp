@@ -1,4 +1,5 @@
 #include "formats/EDFReader.h"
+#include "formats/EDFWriter.h"
 #include "formats/OxdReader.h"
 #include "support/ReferenceRun.h"
 
@@ -10,6 +11,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <cmath>
 
 // A recording process killed without warning (SIGKILL: no handler, no close) leaves files that
 // open in our reader and in MNE, missing at most the last 2 s. A disk that fills up during a
@@ -47,35 +50,70 @@ class TestCrashSafety : public QObject
     }
 
 private Q_SLOTS:
-    void fullDiskStopsTheRecordingAndLeavesWholeFiles()
+    // Five minutes of six channels at 250 Hz, to play as fast as possible into a small disk.
+    QString sourceRecording()
     {
-        const QString disk = m_home.filePath(QStringLiteral("small-disk"));
+        const QString path = m_home.filePath(QStringLiteral("source.edf"));
+        if (QFileInfo::exists(path))
+            return path;
+        EDFWriter writer(path, QList<QString> { "O1", "O2", "T3", "T4", "Fp1", "Fp2" }, 250, {}, {});
+        QList<QList<float>> second(6, QList<float>(250));
+        for (int s = 0; s < 300; ++s) {
+            for (int c = 0; c < 6; ++c)
+                for (int i = 0; i < 250; ++i)
+                    second[c][i] = float(50 * std::sin(2 * M_PI * 10 * (s + i / 250.0)));
+            writer.writeData(second);
+        }
+        writer.close();
+        return path;
+    }
+
+    void fullDisk_data()
+    {
+        QTest::addColumn<QString>("size");
+        QTest::addColumn<QString>("stderrStart");
+        // One minute of this recording needs about 1.3 MB.
+        QTest::newRow("refused at start") << "300k" << "orvexpro: cannot record: not enough free space in ";
+        QTest::newRow("full during the recording") << "1600k" << "orvexpro: the recording stopped: writing ";
+    }
+
+    // A disk too small is refused at the start; one that fills up stops the recording cleanly.
+    void fullDisk()
+    {
+        QFETCH(QString, size);
+        QFETCH(QString, stderrStart);
+        const QString disk = m_home.filePath(QStringLiteral("small-disk-") + size);
         QDir().mkpath(disk);
         QProcess mount;
-        mount.start(QStringLiteral("mount"), { "-t", "tmpfs", "-o", "size=300k", "tmpfs", disk });
+        mount.start(QStringLiteral("mount"), { "-t", "tmpfs", "-o", "size=" + size, "tmpfs", disk });
         if (!mount.waitForFinished() || mount.exitCode() != 0)
-            QSKIP("a small tmpfs cannot be mounted here (needs root): the full-disk case is not run");
+            QSKIP("a small tmpfs cannot be mounted here (needs root): the full-disk cases are not run");
         const auto unmount = qScopeGuard([&disk] { QProcess::execute(QStringLiteral("umount"), { disk }); });
 
         QProcess process;
         process.setProcessEnvironment(environment());
-        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--no-api", "--set", "GeneratorSamplingRate=1000",
-                                                      "--duration", "60", "--record", disk + "/full" });
+        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--no-api", "--device", sourceRecording(),
+                                                      "--speed", "0", "--record", disk + "/full" });
         QVERIFY(process.waitForFinished(60000));
         const QString err = QString::fromUtf8(process.readAllStandardError());
         QCOMPARE(process.exitCode(), 1);
         QCOMPARE(err.count(QLatin1Char('\n')), 1);
-        QVERIFY2(err.startsWith(QStringLiteral("orvexpro: the recording stopped: writing ")), qPrintable(err));
+        QVERIFY2(err.startsWith(stderrStart), qPrintable(err));
+        if (size == QLatin1String("300k")) {
+            QVERIFY(QDir(disk).entryList(QDir::Files).isEmpty());
+            return;
+        }
 
         qint64 records = 0;
         QVERIFY(recordCountMatchesSize(disk + "/full.edf", records));
         EDFReader reader(disk + "/full.edf");
         QVERIFY(reader.open());
-        QCOMPARE(reader.lengthSamples(), records * 1000);
+        QCOMPARE(qint64(reader.lengthSamples()), records * 250);
+        QVERIFY(records > 60);
         QString error;
         const QJsonObject seen = ReferenceRun::mne({ disk + "/full.edf" }, false, &error).first().toObject();
         QVERIFY2(error.isEmpty(), qPrintable(error));
-        QCOMPARE(qint64(seen.value("n_times").toDouble()), records * 1000);
+        QCOMPARE(qint64(seen.value("n_times").toDouble()), records * 250);
         OxdReader oxd;
         QVERIFY2(oxd.read(disk + "/full.oxd"), qPrintable(oxd.errorString()));
         QVERIFY(!oxd.blocks().isEmpty());

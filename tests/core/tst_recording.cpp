@@ -1,8 +1,11 @@
 #include "core/CortexCore.h"
+#include "core/RecordingSpaceWatch.h"
 #include "formats/EDFReader.h"
 #include "formats/OxdReader.h"
 #include "support/FakeDevices.h"
 
+#include <QSignalSpy>
+#include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -45,6 +48,35 @@ class TestRecording : public QObject
     }
 
 private Q_SLOTS:
+    // The space watch against the real free space of the test's folder: a recording that needs
+    // more than a tenth of it per minute warns at once, one that needs more than all of it is
+    // refused, a small one neither.
+    void spaceWatch_data()
+    {
+        QTest::addColumn<double>("minutesThatFit");
+        QTest::addColumn<bool>("refused");
+        QTest::addColumn<bool>("warned");
+        QTest::newRow("hours fit") << 1000.0 << false << false;
+        QTest::newRow("five minutes fit") << 5.0 << false << true;
+        QTest::newRow("half a minute fits") << 0.5 << true << true;
+    }
+
+    void spaceWatch()
+    {
+        QFETCH(double, minutesThatFit);
+        QFETCH(bool, refused);
+        QFETCH(bool, warned);
+        const QString folder = m_folder.path();
+        const qint64 available = QStorageInfo(folder).bytesAvailable();
+        const qint64 bytesPerSecond = qint64(double(available) / (minutesThatFit * 60));
+        QCOMPARE(!RecordingSpaceWatch::refusal(folder, bytesPerSecond).isEmpty(), refused);
+        RecordingSpaceWatch watch;
+        QSignalSpy low(&watch, &RecordingSpaceWatch::spaceLow);
+        watch.start(folder, bytesPerSecond);
+        QCOMPARE(low.size(), warned ? 1 : 0);
+        watch.stop();
+    }
+
     void init()
     {
         m_engine = engineFindingHeadset(this);
