@@ -2,6 +2,7 @@
 #include "formats/EDFWriter.h"
 #include "formats/OxdReader.h"
 #include "support/ReferenceRun.h"
+#include "support/StrictEdfRead.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -114,6 +115,9 @@ private Q_SLOTS:
         const QJsonObject seen = ReferenceRun::mne({ disk + "/full.edf" }, false, &error).first().toObject();
         QVERIFY2(error.isEmpty(), qPrintable(error));
         QCOMPARE(qint64(seen.value("n_times").toDouble()), records * 250);
+        const StrictEdfRead strict = StrictEdfRead::of(disk + "/full.edf");
+        QVERIFY2(strict.ok, qPrintable(strict.refusal));
+        QCOMPARE(strict.records, records);
         OxdReader oxd;
         QVERIFY2(oxd.read(disk + "/full.oxd"), qPrintable(oxd.errorString()));
         QVERIFY(!oxd.blocks().isEmpty());
@@ -157,6 +161,9 @@ private Q_SLOTS:
         qInfo("recorded %.2f s; readable: ours %.2f s, MNE %.2f s", recorded, ours, theirs);
         QVERIFY2(theirs >= recorded - 2.0, qPrintable(QString("MNE: %1 s of %2 s").arg(theirs).arg(recorded)));
         QCOMPARE(seen.value("ch_names").toArray().size(), reader.getChannelCount());
+        const StrictEdfRead strict = StrictEdfRead::of(stem + ".edf");
+        QVERIFY2(strict.ok, qPrintable(strict.refusal));
+        QCOMPARE(strict.signalList.size(), reader.getChannelCount());
 
         // The side file: every complete chunk, reported as unfinished.
         OxdReader oxd;
