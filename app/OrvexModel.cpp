@@ -1,5 +1,6 @@
 #include "app/OrvexModel.h"
 
+#include "app/LossMarker.h"
 #include "app/RecordingResumer.h"
 #include "app/ui/UiModel.h"
 #include "core/CortexCore.h"
@@ -56,6 +57,7 @@ CortexCore* OrvexModel::createEngine()
     applyRecordingSettings(engine);
     connect(engine, &CortexCore::deviceStarted, this, [this, engine] { startMetering(engine); });
     new RecordingResumer(engine, m_settings, engine);
+    new LossMarker(engine, engine);
     connect(engine, &CortexCore::recordSpaceLow, this, &OrvexModel::statusMessage);
     connect(engine, &CortexCore::recordFailed, this,
             [this](const QString& error) { Q_EMIT statusMessage(QStringLiteral("The recording stopped: ") + error); });

@@ -1,4 +1,5 @@
 #include "formats/EDFReader.h"
+#include "formats/OxdReader.h"
 
 #include <QFile>
 #include <QProcess>
@@ -144,6 +145,37 @@ private Q_SLOTS:
             texts.append(QString::fromUtf8(annotation.annotation));
         QVERIFY2(texts.contains(QStringLiteral("Device disconnected")), qPrintable(texts.join('|')));
         QVERIFY2(texts.contains(QStringLiteral("Device reconnected")), qPrintable(texts.join('|')));
+    }
+
+    // Seconds with lost packets are marked in the recording; the side file has the same marks.
+    void lostPacketsAreMarkedInTheRecording()
+    {
+        const QString stem = m_home.filePath(QStringLiteral("lossy"));
+        const Run result = run(QStringLiteral("lossy"), { "--set", "HeadsetSimPacketLoss=10", "--record", stem }, 4);
+        QCOMPARE(result.exitCode, 0);
+        EDFReader reader(stem + QStringLiteral(".edf"));
+        QVERIFY(reader.open());
+        QList<edf_annotation_struct> annotations;
+        reader.getAnnotationList(annotations);
+        QStringList marks;
+        int lost = 0;
+        for (const edf_annotation_struct& annotation : annotations) {
+            const QString text = QString::fromUtf8(annotation.annotation);
+            const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("^Lost (\\d+) packets$")).match(text);
+            if (match.hasMatch()) {
+                marks.append(text);
+                lost += match.captured(1).toInt();
+            }
+        }
+        QVERIFY2(marks.size() >= 2 && marks.size() <= 4, qPrintable(marks.join('|'))); // one per second at most
+        QVERIFY(lost >= marks.size());
+        OxdReader side;
+        QVERIFY(side.read(stem + QStringLiteral(".oxd")));
+        QStringList sideMarks;
+        for (const OxdReader::Annotation& note : side.annotations())
+            if (note.text.startsWith(QStringLiteral("Lost ")))
+                sideMarks.append(note.text);
+        QCOMPARE(sideMarks, marks);
     }
 
     void silenceIsNoticedAndReconnected()

@@ -1,0 +1,36 @@
+#include "app/LossMarker.h"
+
+#include "core/CortexCore.h"
+#include "devices/OrvexDevice.h"
+
+LossMarker::LossMarker(CortexCore* engine, QObject* parent)
+    : QObject(parent)
+    , m_engine(engine)
+{
+    m_timer.setInterval(IntervalMs);
+    connect(&m_timer, &QTimer::timeout, this, &LossMarker::mark);
+    connect(engine, &CortexCore::deviceStarted, this, &LossMarker::onDeviceStarted);
+    // Losses before the recording are not the recording's.
+    connect(engine, &CortexCore::recordStarted, this, [this] {
+        m_marked = m_headset ? m_headset->lostPackets() : 0;
+        m_timer.start();
+    });
+    connect(engine, &CortexCore::recordStopped, &m_timer, &QTimer::stop);
+}
+
+void LossMarker::onDeviceStarted()
+{
+    m_headset = qobject_cast<OrvexDevice*>(m_engine->currentDevice());
+    m_marked = m_headset ? m_headset->lostPackets() : 0;
+}
+
+void LossMarker::mark()
+{
+    if (!m_headset || !m_engine->isRecording() || m_engine->isRecordPaused())
+        return;
+    const int lost = m_headset->lostPackets();
+    if (lost <= m_marked)
+        return;
+    m_engine->addAnnotation(QStringLiteral("Lost %1 packets").arg(lost - m_marked));
+    m_marked = lost;
+}
