@@ -1,9 +1,16 @@
-// Our EDF+/BDF+ files in a strict outside reader (libedf): a recording with a pause, a burst of
-// 200 annotations in one second and non-ASCII texts opens without complaint, with our samples
-// (stored with the opposite polarity, by design) and every annotation.
+// Our EDF+/BDF+ files in a strict outside reader (libedf), in MNE and in biosig: a recording
+// with a pause, a burst of 200 annotations in one second and non-ASCII texts opens without
+// complaint, with our samples (stored with the opposite polarity, by design) and every
+// annotation.
 #include "formats/EDFReader.h"
 #include "formats/EDFWriter.h"
+#include "support/ReferenceRun.h"
 #include "support/StrictEdfRead.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStandardPaths>
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -63,6 +70,21 @@ private Q_SLOTS:
         for (const auto& annotation : strict.annotations)
             read.append(annotation.second);
         QVERIFY(read.contains(texts[0]) && read.contains(texts[1]));
+
+        // The same in MNE and biosig.
+        QString error;
+        const QJsonObject mne = ReferenceRun::mne({ path }, false, &error).first().toObject();
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        QCOMPARE(mne.value("n_times").toInt(), 5 * 250);
+        QCOMPARE(mne.value("annotations").toArray().size(), 202);
+        const QString save2gdf = QStandardPaths::findExecutable(QStringLiteral("save2gdf"));
+        if (!save2gdf.isEmpty()) {
+            const ReferenceRun biosig = ReferenceRun::program(save2gdf, { "-JSON", path });
+            QVERIFY2(biosig.ok, qPrintable(biosig.error));
+            const QJsonObject header = QJsonDocument::fromJson(biosig.out.mid(biosig.out.indexOf('{'))).object();
+            QCOMPARE(header.value("NumberOfRecords").toInt(), 5);
+            QCOMPARE(header.value("EVENT").toArray().size(), 202);
+        }
 
         EDFReader ours(path);
         QVERIFY(ours.open());
