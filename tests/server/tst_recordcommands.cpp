@@ -13,6 +13,9 @@
 #include "server/commands/StopRecord.h"
 
 #include <QJsonArray>
+#include <QProcess>
+#include <QScopeGuard>
+#include <QSignalSpy>
 #include <QtTest>
 
 #include <cmath>
@@ -115,6 +118,25 @@ private Q_SLOTS:
                  text);
         node()->stopDevice();
         QCOMPARE(run<StartRecord>({}, false).value("error").toString(), "Device is not connected");
+    }
+
+    // A disk that fills up ends the recording; the next record command says why.
+    void fullDiskEndsTheRecordingAndTheNextCommandSaysWhy()
+    {
+        const QString disk = QDir(records()).filePath(QStringLiteral("small"));
+        QDir().mkpath(disk);
+        // A little more than the minute of this recording that a start needs (about 1 MB).
+        if (QProcess::execute(QStringLiteral("mount"), { "-t", "tmpfs", "-o", "size=1100k", "tmpfs", disk }) != 0)
+            QSKIP("a small tmpfs cannot be mounted here (needs root)");
+        const auto unmount = qScopeGuard([&disk] { QProcess::execute(QStringLiteral("umount"), { disk }); });
+        run<StartRecord>({ { "path", "small/session" } });
+        QSignalSpy failed(node(), &CortexCore::recordFailed);
+        push(120);
+        QTRY_COMPARE(failed.size(), 1);
+        QVERIFY(!node()->isRecording());
+        const QString error = run<StopRecord>({}, false).value("error").toString();
+        QVERIFY2(error.startsWith(QStringLiteral("Record has not been started (last recording error: writing ")),
+                 qPrintable(error));
     }
 
     void recordAndStopReturnsTheFiles()
