@@ -2,6 +2,7 @@
 
 #include "core/CortexCore.h"
 #include "devices/OrvexDevice.h"
+#include "services/GlobalConsole.h"
 
 LossMarker::LossMarker(CortexCore* engine, QObject* parent)
     : QObject(parent)
@@ -13,9 +14,17 @@ LossMarker::LossMarker(CortexCore* engine, QObject* parent)
     // Losses before the recording are not the recording's.
     connect(engine, &CortexCore::recordStarted, this, [this] {
         m_marked = m_headset ? m_headset->lostPackets() : 0;
+        m_atStart = m_marked;
         m_timer.start();
     });
-    connect(engine, &CortexCore::recordStopped, &m_timer, &QTimer::stop);
+    // The last part of a second is marked too, so the marks add up to the device's count.
+    connect(engine, &CortexCore::recordStopping, this, [this] {
+        mark();
+        m_timer.stop();
+        if (m_headset)
+            GlobalConsole::writeLine(
+                QStringLiteral("Packets lost during the recording: %1").arg(m_headset->lostPackets() - m_atStart));
+    });
 }
 
 void LossMarker::onDeviceStarted()

@@ -26,6 +26,7 @@ private:
 
     CortexCore* m_engine;
     QPointer<OrvexDevice> m_headset;
-    int m_marked = 0; // losses already annotated (or seen before the recording)
+    int m_marked = 0;  // losses already annotated (or seen before the recording)
+    int m_atStart = 0; // the device's count when the recording started
     QTimer m_timer;
 };

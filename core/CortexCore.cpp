@@ -1079,6 +1079,7 @@ QList<QString> CortexCore::stopRecord()
 {
     if (!m_record)
         return {};
+    Q_EMIT recordStopping();
     addLogItem(QString(), QStringLiteral("StopRecord"));
     spaceWatch()->stop();
     const float duration = m_record->durationSeconds();

@@ -199,6 +199,8 @@ Q_SIGNALS:
     void isRecordingChanged(bool isRecording);
     // A file could not be written and the recording was stopped; lastRecordError() says why.
     void recordFailed(QString error);
+    // The recording is about to close: last chance to annotate it.
+    void recordStopping();
     // Less than ten minutes of the running recording fit on its disk.
     void recordSpaceLow(QString message);
     void newAnnotation(QString text, int onsetMs);
