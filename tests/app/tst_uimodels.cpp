@@ -1,9 +1,14 @@
 // The screens' model objects over a real engine, without a window.
 #include "app/OrvexModel.h"
 #include "app/ui/UiModel.h"
+#include "core/CortexCore.h"
 #include "settings/OrvexSettings.h"
 #include "settings/VirtualDevicesSettings.h"
 
+#include <QDir>
+#include <QProcess>
+#include <QScopeGuard>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -89,6 +94,35 @@ private Q_SLOTS:
         ui->devices()->stopDevice();
         QTRY_VERIFY(ui->status()->deviceName().isEmpty());
         QVERIFY(!ui->recording()->canRecord());
+    }
+
+    // A disk that fills up during a recording: the recording screen and the status bar say why.
+    void fullDiskIsShown()
+    {
+        const QString disk = m_home.filePath(QStringLiteral("small"));
+        QDir().mkpath(disk);
+        // A little more than the minute of a 6-channel 250 Hz recording that a start needs.
+        if (QProcess::execute(QStringLiteral("mount"), { "-t", "tmpfs", "-o", "size=1400k", "tmpfs", disk }) != 0)
+            QSKIP("a small tmpfs cannot be mounted here (needs root)");
+        const auto unmount = qScopeGuard([&disk] { QProcess::execute(QStringLiteral("umount"), { disk }); });
+        OrvexModel model;
+        model.setPersistent(false);
+        model.settings()->setDataFolder(disk);
+        UiModel* ui = model.createUiModel(QStringLiteral("OrvexPro test"));
+        ui->devices()->startWhenFound(QStringLiteral("GeneratorDevice"));
+        ui->devices()->startSearch();
+        QTRY_VERIFY(ui->recording()->canRecord());
+        QSignalSpy status(&model, &OrvexModel::statusMessage);
+        QVERIFY(ui->recording()->start());
+        const QList<QList<float>> second(6, QList<float>(250, 10.0f));
+        for (int s = 0; s < 120 && ui->recording()->isRecording(); ++s) {
+            model.engine()->addDataChannelWise(second);
+            QCoreApplication::processEvents();
+        }
+        QTRY_VERIFY(!ui->recording()->isRecording());
+        QVERIFY2(ui->recording()->lastError().startsWith(QStringLiteral("The recording stopped: writing ")),
+                 qPrintable(ui->recording()->lastError()));
+        QVERIFY(status.last().first().toString().startsWith(QStringLiteral("The recording stopped: ")));
     }
 };
 
