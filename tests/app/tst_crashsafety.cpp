@@ -8,7 +8,9 @@
 #include <QElapsedTimer>
 #include <QScopeGuard>
 #include <QFileInfo>
+#include <QJsonDocument>
 #include <QJsonObject>
+#include <QStandardPaths>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -51,6 +53,17 @@ class TestCrashSafety : public QObject
     }
 
 private Q_SLOTS:
+    // biosig's reading of the file: its record count, or -1 when it refuses it (-2: no biosig).
+    static int biosigRecords(const QString& path)
+    {
+        const QString save2gdf = QStandardPaths::findExecutable(QStringLiteral("save2gdf"));
+        if (save2gdf.isEmpty())
+            return -2;
+        const ReferenceRun run = ReferenceRun::program(save2gdf, { "-JSON", path });
+        const QJsonObject header = QJsonDocument::fromJson(run.out.mid(run.out.indexOf('{'))).object();
+        return run.ok ? header.value("NumberOfRecords").toInt(-1) : -1;
+    }
+
     // Five minutes of six channels at 250 Hz, to play as fast as possible into a small disk.
     QString sourceRecording()
     {
@@ -118,6 +131,7 @@ private Q_SLOTS:
         const StrictEdfRead strict = StrictEdfRead::of(disk + "/full.edf");
         QVERIFY2(strict.ok, qPrintable(strict.refusal));
         QCOMPARE(strict.records, records);
+        QVERIFY(QList<int>({ -2, int(records) }).contains(biosigRecords(disk + "/full.edf")));
         OxdReader oxd;
         QVERIFY2(oxd.read(disk + "/full.oxd"), qPrintable(oxd.errorString()));
         QVERIFY(!oxd.blocks().isEmpty());
@@ -164,6 +178,7 @@ private Q_SLOTS:
         const StrictEdfRead strict = StrictEdfRead::of(stem + ".edf");
         QVERIFY2(strict.ok, qPrintable(strict.refusal));
         QCOMPARE(strict.signalList.size(), reader.getChannelCount());
+        QVERIFY(QList<int>({ -2, int(strict.records) }).contains(biosigRecords(stem + ".edf")));
 
         // The side file: every complete chunk, reported as unfinished.
         OxdReader oxd;
