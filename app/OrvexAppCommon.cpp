@@ -21,6 +21,7 @@ OrvexAppCommon::OrvexAppCommon()
     qmlRegisterUncreatableType<RecordingController>(uri, 1, 0, "RecordingController", reason);
     qmlRegisterUncreatableType<StatusController>(uri, 1, 0, "StatusController", reason);
     qmlRegisterUncreatableType<ChannelListModel>(uri, 1, 0, "ChannelListModel", reason);
+    qmlRegisterUncreatableType<SettingsListModel>(uri, 1, 0, "SettingsListModel", reason);
     PlotTypes::registerAll();
 }
 

@@ -80,6 +80,7 @@ ApplicationWindow {
         SpectrumScreen {}
         IndicesScreen {}
         RecordingScreen {}
+        SettingsScreen {}
     }
 
     footer: StatusBar {}

@@ -1,6 +1,8 @@
 #include "app/ui/UiModel.h"
 
 #include "app/OrvexModel.h"
+#include "settings/OrvexSettings.h"
+#include "settings/VirtualDevicesSettings.h"
 #include "app/ui/DevicesController.h"
 #include "app/ui/IndicesController.h"
 #include "app/ui/RecordingController.h"
@@ -17,6 +19,7 @@ UiModel::UiModel(OrvexModel* model, const QString& title, QObject* parent)
     , m_indices(new IndicesController(model->engine(), this))
     , m_recording(new RecordingController(model->engine(), model->settings(), this))
     , m_status(new StatusController(model, this))
+    , m_settings(new SettingsListModel({ model->settings(), model->virtualDevicesSettings() }, this))
 {
     connect(model, &OrvexModel::statusMessage, m_status, &StatusController::setMessage);
 }
@@ -32,7 +35,7 @@ void UiModel::setCurrentScreen(int screen)
 QStringList UiModel::screens()
 {
     return { QStringLiteral("Devices"), QStringLiteral("Signal"), QStringLiteral("Spectrum"),
-             QStringLiteral("Indices"), QStringLiteral("Recording") };
+             QStringLiteral("Indices"), QStringLiteral("Recording"), QStringLiteral("Settings") };
 }
 
 bool UiModel::closeNeedsConfirmation() const

@@ -4,6 +4,7 @@
 #include "app/ui/DevicesController.h"
 #include "app/ui/IndicesController.h"
 #include "app/ui/RecordingController.h"
+#include "app/ui/SettingsListModel.h"
 #include "app/ui/SignalController.h"
 #include "app/ui/SpectrumController.h"
 #include "app/ui/StatusController.h"
@@ -24,6 +25,7 @@ class UiModel : public QObject
     Q_PROPERTY(IndicesController* indices READ indices CONSTANT)
     Q_PROPERTY(RecordingController* recording READ recording CONSTANT)
     Q_PROPERTY(StatusController* status READ status CONSTANT)
+    Q_PROPERTY(SettingsListModel* settings READ settings CONSTANT)
     Q_PROPERTY(int currentScreen READ currentScreen WRITE setCurrentScreen NOTIFY currentScreenChanged)
     Q_PROPERTY(QStringList screens READ screens CONSTANT)
 public:
@@ -37,9 +39,10 @@ public:
     IndicesController* indices() const { return m_indices; }
     RecordingController* recording() const { return m_recording; }
     StatusController* status() const { return m_status; }
+    SettingsListModel* settings() const { return m_settings; }
     int currentScreen() const { return m_currentScreen; }
     void setCurrentScreen(int screen);
-    // "Devices", "Signal", "Spectrum", "Indices", "Recording": the screens in tab order.
+    // "Devices", "Signal", "Spectrum", "Indices", "Recording", "Settings": the screens in tab order.
     static QStringList screens();
 
     // True when closing now would end a recording, so the window asks first.
@@ -61,5 +64,6 @@ private:
     IndicesController* m_indices;
     RecordingController* m_recording;
     StatusController* m_status;
+    SettingsListModel* m_settings;
     int m_currentScreen = 0;
 };

@@ -2,10 +2,14 @@
 #include "app/OrvexModel.h"
 #include "app/ui/UiModel.h"
 #include "core/CortexCore.h"
+#include "server/commands/GetSettings.h"
+#include "settings/MetaDescription.h"
 #include "settings/OrvexSettings.h"
 #include "settings/VirtualDevicesSettings.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QProcess>
 #include <QScopeGuard>
 #include <QSignalSpy>
@@ -94,6 +98,64 @@ private Q_SLOTS:
         ui->devices()->stopDevice();
         QTRY_VERIFY(ui->status()->deviceName().isEmpty());
         QVERIFY(!ui->recording()->canRecord());
+    }
+
+    // Every property through the generated settings page: a valid value, a refused one (with a
+    // reason, the value kept), the default back; the API's getSettings sees the same each time.
+    void everySettingThroughTheSettingsPage()
+    {
+        OrvexModel model;
+        model.setPersistent(false);
+        UiModel* ui = model.createUiModel(QStringLiteral("OrvexPro test"));
+        SettingsListModel* page = ui->settings();
+        const auto role = [page](int row, int r) { return page->data(page->index(row), r); };
+        const auto apiValue = [&model](const QString& name) {
+            GetSettings command(&model);
+            QJsonObject response;
+            QMap<QString, QString> args { { QStringLiteral("key"), name } };
+            if (model.virtualDevicesSettings()->getPropertyByName(name))
+                args.insert(QStringLiteral("type"), QStringLiteral("virtualdevices"));
+            command.processCommand(ReferrerHttp, response, args);
+            return response.value(QStringLiteral("value")).toString();
+        };
+        QCOMPARE(page->rowCount(), int(model.allCapabilities().value("settings").toArray().size()
+                                       + model.allCapabilities().value("virtualDeviceSettings").toArray().size()));
+        int refusals = 0;
+        for (int row = 0; row < page->rowCount(); ++row) {
+            const QString name = role(row, SettingsListModel::NameRole).toString();
+            const QString editor = role(row, SettingsListModel::EditorRole).toString();
+            if (editor == QLatin1String("readonly") || name == QLatin1String("APIPort") || name == QLatin1String("EngineNodes"))
+                continue;
+            QString valid = role(row, SettingsListModel::DefaultRole).toString();
+            if (editor == QLatin1String("number") && !role(row, SettingsListModel::MaximumRole).toString().isEmpty())
+                valid = role(row, SettingsListModel::MaximumRole).toString();
+            else if (editor == QLatin1String("bool"))
+                valid = valid == QLatin1String("true") ? QStringLiteral("false") : QStringLiteral("true");
+            else if (editor == QLatin1String("enum"))
+                valid = role(row, SettingsListModel::ChoiceValuesRole).toStringList().last();
+            QVERIFY2(page->setValue(row, valid), qPrintable(name + ": " + role(row, SettingsListModel::ErrorRole).toString()));
+            QCOMPARE(apiValue(name), role(row, SettingsListModel::ValueRole).toString());
+            if (editor == QLatin1String("number") || editor == QLatin1String("bool") || editor == QLatin1String("enum")) {
+                const QString before = role(row, SettingsListModel::ValueRole).toString();
+                QVERIFY2(!page->setValue(row, QStringLiteral("1e99x")), qPrintable(name));
+                QVERIFY(!role(row, SettingsListModel::ErrorRole).toString().isEmpty());
+                QCOMPARE(role(row, SettingsListModel::ValueRole).toString(), before);
+                ++refusals;
+            }
+            if (role(row, SettingsListModel::CanRestoreRole).toBool()) {
+                QVERIFY2(page->restoreDefault(row), qPrintable(name));
+                QCOMPARE(apiValue(name), role(row, SettingsListModel::ValueRole).toString());
+                QVERIFY(role(row, SettingsListModel::ErrorRole).toString().isEmpty());
+            }
+        }
+        QVERIFY(refusals > 30);
+        // Visibility follows its conditions at once: the ECG's rate shows only for the ECG.
+        const int type = page->rowOf(QStringLiteral("SignalType"));
+        const int heartRate = page->rowOf(QStringLiteral("GeneratorECGbpm"));
+        QVERIFY(page->setValue(type, QStringLiteral("ECG")));
+        QVERIFY(role(heartRate, SettingsListModel::ShownRole).toBool());
+        QVERIFY(page->setValue(type, QStringLiteral("Sine")));
+        QVERIFY(!role(heartRate, SettingsListModel::ShownRole).toBool());
     }
 
     // A disk that fills up during a recording: the recording screen and the status bar say why.

@@ -63,13 +63,19 @@ private:
     UiModel* ui() const { return m_startup->ui(); }
     QQuickWindow* window() const { return m_startup->window(); }
 
-    QQuickItem* item(const char* name) const
+    // Through the visual tree: view delegates have no object parent to find them by.
+    static QQuickItem* findItem(QQuickItem* root, const QString& name)
     {
-        auto* found = window()->contentItem()->findChild<QQuickItem*>(QLatin1String(name));
-        if (!found)
-            found = window()->findChild<QQuickItem*>(QLatin1String(name));
-        return found;
+        if (root->objectName() == name)
+            return root;
+        for (QQuickItem* child : root->childItems()) {
+            if (QQuickItem* found = findItem(child, name))
+                return found;
+        }
+        return nullptr;
     }
+
+    QQuickItem* item(const char* name) const { return findItem(window()->contentItem(), QLatin1String(name)); }
 
     QImage grab() const { return window()->grabWindow().convertToFormat(QImage::Format_ARGB32); }
 
@@ -292,6 +298,25 @@ private Q_SLOTS:
         const QImage picture = grabItem(item("tracePlot"));
         QVERIFY(countDifferent(picture, picture.pixel(picture.width() - 2, 1)) > picture.width());
         QCOMPARE(item("statusDevice")->property("text").toString().contains(devices->currentDeviceName()), true);
+    }
+
+    // The generated settings page: a refused value shows its reason beside the field.
+    void settingsPageShowsRefusals()
+    {
+        show(5);
+        QQuickItem* list = item("settingsList");
+        QVERIFY(list && list->property("count").toInt() == ui()->settings()->rowCount());
+        const int row = ui()->settings()->rowOf(QStringLiteral("StorageTime"));
+        QVERIFY(!ui()->settings()->setValue(row, QStringLiteral("0")));
+        QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0));
+        QTest::qWait(200);
+        QQuickItem* shown = item("setting_StorageTime");
+        QVERIFY(shown);
+        QQuickItem* error = findItem(shown, QStringLiteral("settingError"));
+        QVERIFY(error && error->isVisible() && !error->property("text").toString().isEmpty());
+        saveScreenshot(QStringLiteral("settings"));
+        QVERIFY(ui()->settings()->restoreDefault(row));
+        QTRY_VERIFY(!error->isVisible());
     }
 
     // With an application object the API sees the screens and opens links in the browser.
