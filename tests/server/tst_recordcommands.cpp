@@ -134,6 +134,7 @@ private Q_SLOTS:
         push(120);
         QTRY_COMPARE(failed.size(), 1);
         QVERIFY(!node()->isRecording());
+        QVERIFY(node()->isDeviceStarted()); // streaming goes on
         const QString error = run<StopRecord>({}, false).value("error").toString();
         QVERIFY2(error.startsWith(QStringLiteral("Record has not been started (last recording error: writing ")),
                  qPrintable(error));
