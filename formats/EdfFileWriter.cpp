@@ -375,10 +375,7 @@ bool EdfFileWriter::close()
     const bool failedBefore = m_failed;
     placePendingInWrittenRecords();
     // Rewriting bytes in place needs no free space: even after a failure the count is set.
-    m_failed = false;
-    bool ok = writeAt(RecordCountOffset, EdfFieldText::fixed(QString::number(m_records), 8));
-    ok = ok && !failedBefore;
-    m_failed = m_failed || failedBefore;
+    const bool ok = writeAt(RecordCountOffset, EdfFieldText::fixed(QString::number(m_records), 8)) && !failedBefore;
     m_header.recordCount = m_records;
     m_file.close();
     m_pending.clear();

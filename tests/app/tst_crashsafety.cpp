@@ -1,6 +1,7 @@
 #include "formats/EDFReader.h"
 #include "formats/EDFWriter.h"
 #include "formats/OxdReader.h"
+#include "support/ProgramUnderTest.h"
 #include "support/ReferenceRun.h"
 #include "support/StrictEdfRead.h"
 
@@ -26,14 +27,7 @@ class TestCrashSafety : public QObject
 
     QTemporaryDir m_home;
 
-    QProcessEnvironment environment() const
-    {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), m_home.path());
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        return env;
-    }
+    QProcessEnvironment environment() const { return ProgramUnderTest::isolatedEnvironment(m_home); }
 
     // Data records in the file by its size, against the count its header gives.
     static bool recordCountMatchesSize(const QString& path, qint64& records)

@@ -1,15 +1,10 @@
 #include "formats/EDFReader.h"
+#include "support/ProgramUnderTest.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QEventLoop>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QProcess>
-#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -31,28 +26,9 @@ class TestHeadless : public QObject
         QByteArray err;
     };
 
-    QProcessEnvironment environment() const
-    {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), m_home.path());
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        return env;
-    }
+    QProcessEnvironment environment() const { return ProgramUnderTest::isolatedEnvironment(m_home); }
 
-    // Runs without the command interface unless a test asks for a port: parallel tests would
-    // otherwise compete for the default one.
-    static QByteArray httpGet(const QString& url)
-    {
-        QNetworkAccessManager manager;
-        QNetworkReply* reply = manager.get(QNetworkRequest(QUrl(url)));
-        QEventLoop loop;
-        QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-        loop.exec();
-        const QByteArray body = reply->readAll();
-        delete reply;
-        return body;
-    }
+    static QByteArray httpGet(const QString& url) { return ProgramUnderTest::httpGet(url); }
 
     Run run(QStringList arguments, int timeoutMs = 30000)
     {
@@ -218,10 +194,7 @@ private Q_SLOTS:
     // the reference page, and closes the program, which then exits cleanly.
     void commandInterfaceDrivesTheRun()
     {
-        QTcpServer probe;
-        QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
-        const int port = probe.serverPort();
-        probe.close();
+        const int port = ProgramUnderTest::freePort();
         QProcess process;
         process.setProcessEnvironment(environment());
         process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--api-port", QString::number(port) });
@@ -247,10 +220,7 @@ private Q_SLOTS:
     // recorded signal only: no records are added to carry them.
     void annotationBurstThroughTheApi()
     {
-        QTcpServer probe;
-        QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
-        const int port = probe.serverPort();
-        probe.close();
+        const int port = ProgramUnderTest::freePort();
         const QString stem = m_home.filePath(QStringLiteral("burst"));
         QProcess process;
         process.setProcessEnvironment(environment());

@@ -1,5 +1,6 @@
 #include "formats/EDFReader.h"
 #include "formats/OxdReader.h"
+#include "support/ProgramUnderTest.h"
 
 #include <QFile>
 #include <QProcess>
@@ -32,12 +33,8 @@ class TestHeadsetSim : public QObject
                                   "--set", "LPF=0", "--set", "BSF=0", "--csv", csv,
                                   "--duration", QString::number(seconds) };
         arguments += extra;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), m_home.path());
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         QProcess process;
-        process.setProcessEnvironment(env);
+        process.setProcessEnvironment(ProgramUnderTest::isolatedEnvironment(m_home));
         process.start(QStringLiteral(ORVEX_BINARY), arguments);
         Run result;
         if (!process.waitForFinished(60000)) {

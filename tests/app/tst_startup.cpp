@@ -1,17 +1,14 @@
 // The program's start and end as a user meets them: a second start, a broken interface, a
 // recording that must survive the window being ended.
 #include "formats/EDFReader.h"
+#include "support/ProgramUnderTest.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QEventLoop>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QProcess>
-#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -25,12 +22,7 @@ class StartupTest : public QObject
 
     QProcessEnvironment environment() const
     {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), m_home.path());
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.filePath(QStringLiteral("config")));
-        env.insert(QStringLiteral("TMPDIR"), m_home.path());
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-        return env;
+        return ProgramUnderTest::isolatedEnvironment(m_home, QStringLiteral("xcb"));
     }
 
     // Waits until the console (stderr) has said `text`; `seen` collects what was read.
@@ -55,13 +47,7 @@ class StartupTest : public QObject
 
     static QByteArray httpGet(int port, const QString& path)
     {
-        QNetworkAccessManager manager;
-        QNetworkReply* reply = manager.get(QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:%1/%2").arg(port).arg(path))));
-        QEventLoop wait;
-        connect(reply, &QNetworkReply::finished, &wait, &QEventLoop::quit);
-        wait.exec();
-        reply->deleteLater();
-        return reply->readAll();
+        return ProgramUnderTest::httpGet(QStringLiteral("http://127.0.0.1:%1/%2").arg(port).arg(path));
     }
 
 private Q_SLOTS:
@@ -101,10 +87,7 @@ private Q_SLOTS:
     // Ended from outside while recording: the file is closed and whole.
     void terminationClosesTheRecording()
     {
-        QTcpServer probe;
-        QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
-        const int port = probe.serverPort();
-        probe.close();
+        const int port = ProgramUnderTest::freePort();
         const QString folder = m_home.filePath(QStringLiteral("records"));
         QProcess process;
         QByteArray console;

@@ -6,19 +6,16 @@
 #include "core/CortexCore.h"
 #include "formats/EDFReader.h"
 #include "server/OrvexDataServer.h"
+#include "support/ProgramUnderTest.h"
 
 #include <QDir>
-#include <QEventLoop>
 #include <QGuiApplication>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -29,13 +26,7 @@ int s_apiPort = 0;
 
 QByteArray httpGet(const QString& path)
 {
-    QNetworkAccessManager manager;
-    QNetworkReply* reply = manager.get(QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:%1/%2").arg(s_apiPort).arg(path))));
-    QEventLoop wait;
-    QObject::connect(reply, &QNetworkReply::finished, &wait, &QEventLoop::quit);
-    wait.exec();
-    reply->deleteLater();
-    return reply->readAll();
+    return ProgramUnderTest::httpGet(QStringLiteral("http://127.0.0.1:%1/%2").arg(s_apiPort).arg(path));
 }
 
 int countDifferent(const QImage& image, QRgb background)
@@ -353,10 +344,7 @@ int main(int argc, char* argv[])
         opener.setPermissions(opener.permissions() | QFileDevice::ExeOwner);
     }
     qputenv("PATH", home.filePath(QStringLiteral("bin")).toLocal8Bit() + ":" + qgetenv("PATH"));
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost, 0);
-    s_apiPort = probe.serverPort();
-    probe.close();
+    s_apiPort = ProgramUnderTest::freePort();
 
     CommandLineOptions options;
     options.device = QStringLiteral("generator");
