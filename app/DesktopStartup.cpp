@@ -160,7 +160,6 @@ void DesktopStartup::raiseWindow()
         shown->raise();
         shown->requestActivate();
     }
-    Q_EMIT m_ui->raiseRequested();
 }
 
 void DesktopStartup::connectEngineEvents()

@@ -991,7 +991,6 @@ bool CortexCore::startRecord(QString path, bool)
 
     const qint64 bytesPerSecond = RecordingSpaceWatch::bytesPerSecond(setup);
     const QString folder = QFileInfo(stem).absolutePath();
-    QDir().mkpath(folder);
     if (const QString refused = RecordingSpaceWatch::refusal(folder, bytesPerSecond); !refused.isEmpty()) {
         m_lastRecordError = refused;
         kxDebug() << QStringLiteral("Recording not started: ") + refused;

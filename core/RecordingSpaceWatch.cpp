@@ -4,6 +4,7 @@
 #include "services/GlobalConsole.h"
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QStorageInfo>
 
 RecordingSpaceWatch::RecordingSpaceWatch(QObject* parent)
@@ -63,10 +64,14 @@ void RecordingSpaceWatch::check()
     Q_EMIT spaceLow(message);
 }
 
-// -1 when the folder's file system cannot be asked.
+// The file system the folder will be made on (its nearest existing ancestor); -1 when it
+// cannot be asked.
 qint64 RecordingSpaceWatch::availableBytes(const QString& folder)
 {
-    QStorageInfo storage(folder);
+    QString existing = QFileInfo(folder).absoluteFilePath();
+    while (!QFileInfo::exists(existing) && QFileInfo(existing).path() != existing)
+        existing = QFileInfo(existing).path();
+    QStorageInfo storage(existing);
     return storage.isValid() && storage.isReady() ? storage.bytesAvailable() : -1;
 }
 

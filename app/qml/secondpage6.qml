@@ -145,13 +145,4 @@ ApplicationWindow {
             Qt.quit()
         }
     }
-
-    Connections {
-        target: ui
-        function onRaiseRequested() {
-            root.show()
-            root.raise()
-            root.requestActivate()
-        }
-    }
 }

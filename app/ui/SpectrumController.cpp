@@ -93,8 +93,3 @@ QString SpectrumController::peakFrequencyText() const
     const double hz = peakFrequency();
     return hz < 0 ? QStringLiteral("—") : QStringLiteral("%1 Hz").arg(hz, 0, 'f', 1);
 }
-
-double SpectrumController::windowSeconds() const
-{
-    return m_engine->getSpectrumWindowSeconds();
-}

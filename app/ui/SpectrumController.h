@@ -23,7 +23,6 @@ class SpectrumController : public QObject
     Q_PROPERTY(double peakFrequency READ peakFrequency NOTIFY spectrumUpdated)
     Q_PROPERTY(QString peakFrequencyText READ peakFrequencyText NOTIFY spectrumUpdated)
     Q_PROPERTY(bool hasSpectrum READ hasSpectrum NOTIFY spectrumUpdated)
-    Q_PROPERTY(double windowSeconds READ windowSeconds NOTIFY layoutChanged)
 public:
     SpectrumController(CortexCore* engine, ChannelListModel* channels, QObject* parent = nullptr);
 
@@ -42,7 +41,6 @@ public:
     // "9.8 Hz", or "—" before a spectrum.
     QString peakFrequencyText() const;
     bool hasSpectrum() const { return m_hasSpectrum; }
-    double windowSeconds() const;
 
 Q_SIGNALS:
     void viewChanged();

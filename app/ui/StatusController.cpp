@@ -45,8 +45,3 @@ void StatusController::setMessage(const QString& message)
     m_message = message;
     Q_EMIT messageChanged();
 }
-
-void StatusController::refreshApi()
-{
-    Q_EMIT apiChanged();
-}

@@ -13,7 +13,7 @@ class StatusController : public QObject
     Q_PROPERTY(QString deviceName READ deviceName NOTIFY deviceChanged)
     Q_PROPERTY(int battery READ battery NOTIFY deviceChanged)
     Q_PROPERTY(double samplingRate READ samplingRate NOTIFY deviceChanged)
-    Q_PROPERTY(QString apiAddress READ apiAddress NOTIFY apiChanged)
+    Q_PROPERTY(QString apiAddress READ apiAddress CONSTANT)
     Q_PROPERTY(QString message READ message NOTIFY messageChanged)
 public:
     explicit StatusController(OrvexModel* model, QObject* parent = nullptr);
@@ -26,12 +26,8 @@ public:
     QString message() const { return m_message; }
     void setMessage(const QString& message);
 
-public Q_SLOTS:
-    void refreshApi();
-
 Q_SIGNALS:
     void deviceChanged();
-    void apiChanged();
     void messageChanged();
 
 private:

@@ -52,8 +52,6 @@ public:
 
 Q_SIGNALS:
     void currentScreenChanged();
-    // Another start of the program asked this one to show itself.
-    void raiseRequested();
 
 private:
     QString m_title;
