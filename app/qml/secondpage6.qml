@@ -79,7 +79,13 @@ ApplicationWindow {
         SignalScreen {}
         SpectrumScreen {}
         IndicesScreen {}
+        FeedbackScreen {}
         RecordingScreen {}
+        RecordingsScreen {}
+        MontageScreen {}
+        AlgorithmsScreen {}
+        ConsoleScreen {}
+        ApiScreen {}
         SettingsScreen {}
     }
 

@@ -20,6 +20,12 @@ UiModel::UiModel(OrvexModel* model, const QString& title, QObject* parent)
     , m_recording(new RecordingController(model->engine(), model->settings(), this))
     , m_status(new StatusController(model, this))
     , m_settings(new SettingsListModel({ model->settings(), model->virtualDevicesSettings() }, this))
+    , m_records(new RecordsController(model, this))
+    , m_montage(new MontageController(model, this))
+    , m_algorithms(new AlgorithmsController(model, this))
+    , m_feedback(new FeedbackController(model, this))
+    , m_console(new ConsoleController(model, this))
+    , m_api(new ApiController(model, this))
 {
     connect(model, &OrvexModel::statusMessage, m_status, &StatusController::setMessage);
 }
@@ -34,8 +40,15 @@ void UiModel::setCurrentScreen(int screen)
 
 QStringList UiModel::screens()
 {
-    return { QStringLiteral("Devices"), QStringLiteral("Signal"), QStringLiteral("Spectrum"),
-             QStringLiteral("Indices"), QStringLiteral("Recording"), QStringLiteral("Settings") };
+    return { QStringLiteral("Devices"),    QStringLiteral("Signal"),     QStringLiteral("Spectrum"),
+             QStringLiteral("Indices"),    QStringLiteral("Feedback"),   QStringLiteral("Recording"),
+             QStringLiteral("Recordings"), QStringLiteral("Montage"),    QStringLiteral("Algorithms"),
+             QStringLiteral("Console"),    QStringLiteral("API"),        QStringLiteral("Settings") };
+}
+
+int UiModel::screenIndex(const QString& name)
+{
+    return screens().indexOf(name);
 }
 
 bool UiModel::closeNeedsConfirmation() const

@@ -1,9 +1,15 @@
 #pragma once
 
+#include "app/ui/AlgorithmsController.h"
+#include "app/ui/ApiController.h"
 #include "app/ui/ChannelListModel.h"
+#include "app/ui/ConsoleController.h"
 #include "app/ui/DevicesController.h"
+#include "app/ui/FeedbackController.h"
 #include "app/ui/IndicesController.h"
+#include "app/ui/MontageController.h"
 #include "app/ui/RecordingController.h"
+#include "app/ui/RecordsController.h"
 #include "app/ui/SettingsListModel.h"
 #include "app/ui/SignalController.h"
 #include "app/ui/SpectrumController.h"
@@ -26,6 +32,12 @@ class UiModel : public QObject
     Q_PROPERTY(RecordingController* recording READ recording CONSTANT)
     Q_PROPERTY(StatusController* status READ status CONSTANT)
     Q_PROPERTY(SettingsListModel* settings READ settings CONSTANT)
+    Q_PROPERTY(RecordsController* records READ records CONSTANT)
+    Q_PROPERTY(MontageController* montage READ montage CONSTANT)
+    Q_PROPERTY(AlgorithmsController* algorithms READ algorithms CONSTANT)
+    Q_PROPERTY(FeedbackController* feedback READ feedback CONSTANT)
+    Q_PROPERTY(ConsoleController* console READ console CONSTANT)
+    Q_PROPERTY(ApiController* api READ api CONSTANT)
     Q_PROPERTY(int currentScreen READ currentScreen WRITE setCurrentScreen NOTIFY currentScreenChanged)
     Q_PROPERTY(QStringList screens READ screens CONSTANT)
 public:
@@ -40,10 +52,19 @@ public:
     RecordingController* recording() const { return m_recording; }
     StatusController* status() const { return m_status; }
     SettingsListModel* settings() const { return m_settings; }
+    RecordsController* records() const { return m_records; }
+    MontageController* montage() const { return m_montage; }
+    AlgorithmsController* algorithms() const { return m_algorithms; }
+    FeedbackController* feedback() const { return m_feedback; }
+    ConsoleController* console() const { return m_console; }
+    ApiController* api() const { return m_api; }
     int currentScreen() const { return m_currentScreen; }
     void setCurrentScreen(int screen);
-    // "Devices", "Signal", "Spectrum", "Indices", "Recording", "Settings": the screens in tab order.
+    // The screens' names in tab order.
     static QStringList screens();
+    // The tab of a screen by its name, -1 for none.
+    Q_INVOKABLE static int screenIndex(const QString& name);
+    Q_INVOKABLE void showScreen(const QString& name) { setCurrentScreen(screenIndex(name)); }
 
     // True when closing now would end a recording, so the window asks first.
     Q_INVOKABLE bool closeNeedsConfirmation() const;
@@ -63,5 +84,11 @@ private:
     RecordingController* m_recording;
     StatusController* m_status;
     SettingsListModel* m_settings;
+    RecordsController* m_records;
+    MontageController* m_montage;
+    AlgorithmsController* m_algorithms;
+    FeedbackController* m_feedback;
+    ConsoleController* m_console;
+    ApiController* m_api;
     int m_currentScreen = 0;
 };

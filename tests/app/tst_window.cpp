@@ -1,101 +1,23 @@
 // The real window on the generator under a real X server: what a person sees on each screen.
-#include "app/CommandLineOptions.h"
-#include "app/DesktopStartup.h"
-#include "app/OrvexModel.h"
-#include "app/ui/UiModel.h"
-#include "core/CortexCore.h"
 #include "formats/EDFReader.h"
-#include "server/OrvexDataServer.h"
-#include "support/ProgramUnderTest.h"
+#include "support/WindowHarness.h"
 
-#include <QDir>
 #include <QGuiApplication>
-#include <QImage>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QQuickItem>
-#include <QQuickWindow>
-#include <QTemporaryDir>
-#include <QTest>
+
+using namespace WindowHarness;
 
 namespace {
 constexpr double GeneratorHz = 10;
-QTemporaryDir* s_home = nullptr;
-int s_apiPort = 0;
-
-QByteArray httpGet(const QString& path)
-{
-    return ProgramUnderTest::httpGet(QStringLiteral("http://127.0.0.1:%1/%2").arg(s_apiPort).arg(path));
 }
 
-int countDifferent(const QImage& image, QRgb background)
-{
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        const QRgb* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x)
-            count += qGray(line[x]) - qGray(background) > 40 || qGray(background) - qGray(line[x]) > 40;
-    }
-    return count;
-}
-}
-
-class WindowTest : public QObject
+class WindowTest : public WindowTestBase
 {
     Q_OBJECT
 public:
-    explicit WindowTest(DesktopStartup* startup)
-        : m_startup(startup)
-    {
-    }
+    using WindowTestBase::WindowTestBase;
 
 private:
-    UiModel* ui() const { return m_startup->ui(); }
-    QQuickWindow* window() const { return m_startup->window(); }
-
-    // Through the visual tree: view delegates have no object parent to find them by.
-    static QQuickItem* findItem(QQuickItem* root, const QString& name)
-    {
-        if (root->objectName() == name)
-            return root;
-        for (QQuickItem* child : root->childItems()) {
-            if (QQuickItem* found = findItem(child, name))
-                return found;
-        }
-        return nullptr;
-    }
-
-    QQuickItem* item(const char* name) const { return findItem(window()->contentItem(), QLatin1String(name)); }
-
-    QImage grab() const { return window()->grabWindow().convertToFormat(QImage::Format_ARGB32); }
-
-    // The part of the window an item covers, in the grabbed image's pixels.
-    QImage grabItem(QQuickItem* shown) const
-    {
-        const QImage whole = grab();
-        const qreal ratio = whole.width() / qreal(window()->width());
-        const QRectF area = shown->mapRectToScene(QRectF(0, 0, shown->width(), shown->height()));
-        return whole.copy(QRectF(area.topLeft() * ratio, area.size() * ratio).toRect());
-    }
-
-    void show(int screen)
-    {
-        ui()->setCurrentScreen(screen);
-        QTest::qWait(300);
-    }
-
-    // The pictures of the README, when asked for.
-    void saveScreenshot(const QString& name)
-    {
-        const QString folder = qEnvironmentVariable("ORVEX_SCREENSHOT_DIR");
-        if (!folder.isEmpty()) {
-            QDir().mkpath(folder);
-            grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
-        }
-    }
-
-    DesktopStartup* m_startup;
     QString m_recorded;
 
 private Q_SLOTS:
@@ -106,8 +28,8 @@ private Q_SLOTS:
         QVERIFY(window()->title().contains(QStringLiteral(ORVEX_VERSION)));
         QVERIFY(!QGuiApplication::windowIcon().isNull());
         QTRY_VERIFY_WITH_TIMEOUT(ui()->devices()->isDeviceStarted(), 10000);
-        QTRY_VERIFY_WITH_TIMEOUT(m_startup->firstFrameMs() > 0, 5000);
-        show(0);
+        QTRY_VERIFY_WITH_TIMEOUT(startup()->firstFrameMs() > 0, 5000);
+        show(QStringLiteral("Devices"));
         QVERIFY(ui()->devices()->devices()->rowOf(QStringLiteral("GeneratorDevice")) >= 0);
         if (!ui()->devices()->isBluetoothAvailable()) // test machines have no adapter
             QVERIFY(item("devicesMessage")->isVisible()
@@ -117,7 +39,7 @@ private Q_SLOTS:
 
     void tracesAreDrawnAndMove()
     {
-        show(1);
+        show(QStringLiteral("Signal"));
         QQuickItem* plot = item("tracePlot");
         QVERIFY(plot);
         QTRY_VERIFY_WITH_TIMEOUT(ui()->signal()->samplesShown() > 500, 5000);
@@ -162,7 +84,7 @@ private Q_SLOTS:
 
     void spectrumPeaksAtTheGeneratorFrequency()
     {
-        show(2);
+        show(QStringLiteral("Spectrum"));
         QTRY_VERIFY_WITH_TIMEOUT(ui()->spectrum()->hasSpectrum(), 10000);
         QTest::qWait(300);
         const double step = ui()->spectrum()->spectra()->frequencyStep();
@@ -187,7 +109,7 @@ private Q_SLOTS:
 
     void gaugesShowIndicesWithinRange()
     {
-        show(3);
+        show(QStringLiteral("Indices"));
         QTRY_VERIFY_WITH_TIMEOUT(ui()->indices()->meditation() >= 0 && ui()->indices()->concentration() >= 0, 15000);
         for (int i = 0; i < 5; ++i) {
             QVERIFY(ui()->indices()->meditation() <= 100 && ui()->indices()->concentration() <= 100);
@@ -203,10 +125,10 @@ private Q_SLOTS:
     // Pressed as a person does: the record button, a typed annotation, a key, the stop button.
     void recordingRunsAndAnnotationsLandInTheFile()
     {
-        show(4);
+        show(QStringLiteral("Recording"));
         QQuickItem* record = item("recordButton");
         QVERIFY(record);
-        QTest::mouseClick(window(), Qt::LeftButton, {}, record->mapToScene(QPointF(record->width() / 2, record->height() / 2)).toPoint());
+        click(record);
         QTRY_VERIFY_WITH_TIMEOUT(ui()->recording()->isRecording(), 3000);
         QTRY_VERIFY_WITH_TIMEOUT(ui()->recording()->duration() >= 1.5, 5000);
         QCOMPARE(item("durationLabel")->property("text").toString(), ui()->recording()->durationText());
@@ -214,8 +136,7 @@ private Q_SLOTS:
         QQuickItem* field = item("annotationField");
         QVERIFY(field);
         field->forceActiveFocus();
-        for (const char key : QByteArrayLiteral("eyes closed"))
-            QTest::keyClick(window(), key);
+        typeText(QStringLiteral("eyes closed"));
         QTest::keyClick(window(), Qt::Key_Return);
         QTRY_COMPARE(ui()->recording()->annotations()->rowCount(), 1);
         window()->contentItem()->forceActiveFocus();
@@ -233,7 +154,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!question->property("visible").toBool());
 
         QQuickItem* stop = item("stopButton");
-        QTest::mouseClick(window(), Qt::LeftButton, {}, stop->mapToScene(QPointF(stop->width() / 2, stop->height() / 2)).toPoint());
+        click(stop);
         QTRY_VERIFY(!ui()->recording()->isRecording());
         QString edf;
         for (const QString& file : ui()->recording()->lastFiles()) {
@@ -282,7 +203,7 @@ private Q_SLOTS:
         QVERIFY(devices->startDevice(row));
         QTRY_VERIFY_WITH_TIMEOUT(devices->isDeviceStarted(), 5000);
         QCOMPARE(devices->currentDeviceName(), devices->devices()->deviceAt(row).name);
-        show(1);
+        show(QStringLiteral("Signal"));
         const qint64 before = ui()->signal()->samplesShown();
         QTRY_VERIFY_WITH_TIMEOUT(ui()->signal()->samplesShown() > before + 100, 5000);
         QCOMPARE(ui()->signal()->traces()->channelCount(), ui()->channels()->rowCount());
@@ -294,7 +215,7 @@ private Q_SLOTS:
     // The generated settings page: a refused value shows its reason beside the field.
     void settingsPageShowsRefusals()
     {
-        show(5);
+        show(QStringLiteral("Settings"));
         QQuickItem* list = item("settingsList");
         QVERIFY(list && list->property("count").toInt() == ui()->settings()->rowCount());
         const int row = ui()->settings()->rowOf(QStringLiteral("StorageTime"));
@@ -319,51 +240,16 @@ private Q_SLOTS:
         QVERIFY(screens.first().toObject().value("dpi").toDouble() > 0);
         const QJsonObject opened = QJsonDocument::fromJson(httpGet(QStringLiteral("openLink?path=https://example.org/x"))).object();
         QVERIFY(opened.value("result").toBool());
-        QFile log(s_home->filePath(QStringLiteral("opened.txt")));
+        QFile log(homePath(QStringLiteral("opened.txt")));
         QTRY_VERIFY(log.exists() && log.size() > 0);
         QVERIFY(log.open(QIODevice::ReadOnly));
         QVERIFY(log.readAll().contains("https://example.org/x"));
     }
 };
 
-// The program's own start-up builds the window; the test runs inside its event loop.
 int main(int argc, char* argv[])
 {
-    QTemporaryDir home;
-    s_home = &home;
-    qputenv("HOME", home.path().toLocal8Bit());
-    qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toLocal8Bit());
-    qputenv("TMPDIR", home.path().toLocal8Bit());
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    // The system browser is a script that notes what it was asked to open.
-    QDir(home.path()).mkpath(QStringLiteral("bin"));
-    QFile opener(home.filePath(QStringLiteral("bin/xdg-open")));
-    if (opener.open(QIODevice::WriteOnly)) {
-        opener.write("#!/bin/sh\necho \"$@\" >> \"" + home.filePath(QStringLiteral("opened.txt")).toLocal8Bit() + "\"\n");
-        opener.close();
-        opener.setPermissions(opener.permissions() | QFileDevice::ExeOwner);
-    }
-    qputenv("PATH", home.filePath(QStringLiteral("bin")).toLocal8Bit() + ":" + qgetenv("PATH"));
-    s_apiPort = ProgramUnderTest::freePort();
-
-    CommandLineOptions options;
-    options.device = QStringLiteral("generator");
-    options.deviceGiven = true;
-    options.apiPort = s_apiPort;
-    options.settings = { { QStringLiteral("SignalType"), QStringLiteral("Sine") },
-                         { QStringLiteral("GeneratorBaseFrequency"), QString::number(GeneratorHz) },
-                         { QStringLiteral("GeneratorAmplitude"), QStringLiteral("50") },
-                         { QStringLiteral("GeneratorSamplingRate"), QStringLiteral("250") },
-                         { QStringLiteral("SpectrumWindowSeconds"), QStringLiteral("1") },
-                         { QStringLiteral("DataFolder"), home.filePath(QStringLiteral("records")) } };
-    DesktopStartup startup(argc, argv, options);
-    int code = 0;
-    if (!startup.start(code)) {
-        qCritical("the window did not start (%d)", code);
-        return 1;
-    }
-    WindowTest test(&startup);
-    return QTest::qExec(&test, argc, argv);
+    return WindowHarness::run<WindowTest>(argc, argv);
 }
 
 #include "tst_window.moc"

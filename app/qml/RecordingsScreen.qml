@@ -1,0 +1,9 @@
+import QtQuick
+import QtQuick.Controls
+
+Item {
+    id: screen
+    objectName: "recordingsScreen"
+
+    Theme { id: theme }
+}
