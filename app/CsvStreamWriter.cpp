@@ -20,7 +20,8 @@ bool CsvStreamWriter::open(const QString& path, const QStringList& columns, QStr
     QStringList headers { QStringLiteral("t") };
     headers.append(columns);
     m_table->setHeaders(headers);
-    m_table->setCellFormat(0, NumericTableCSV::CellNumberFormat_Double_3precision);
+    // Value 7 writes three decimals (milliseconds); the table's formats act by value, not name.
+    m_table->setCellFormat(0, NumericTableCSV::CellNumberFormat_Double_2precision);
     if (!m_table->startContinuousRecord(path, true)) {
         error = QStringLiteral("cannot write %1: %2").arg(QFileInfo(path).absoluteFilePath(), m_table->errorString());
         return false;

@@ -16,63 +16,58 @@ const QByteArray kBinaryMark = QByteArrayLiteral("[Binary]");
 // How a cell is stored in a binary record; the header's type and size lines name it.
 enum class Storage { Double, Int8, Int16, Int32, Int64, Float };
 
-struct StorageInfo
+// What a format does, by its numeric value. The values do not line up with the enumerator
+// names (value 4, named "Int32", writes 64-bit integers): files and clients already depend on
+// the values, so the names are only labels.
+struct FormatEffect
 {
     Storage storage;
     const char* type;
     int size;
-    NumericTableCSV::CellNumberFormat formatOnLoad; // the plainest format with this storage
+    int decimals; // -1: integer; -2: general format, 6 significant digits
 };
 
-const StorageInfo kStorages[] = {
-    {Storage::Double, "double", 8, NumericTableCSV::CellNumberFormat_Double},
-    {Storage::Int8, "int8", 1, NumericTableCSV::CellNumberFormat_Int8},
-    {Storage::Int16, "int16", 2, NumericTableCSV::CellNumberFormat_Int16},
-    {Storage::Int32, "int32", 4, NumericTableCSV::CellNumberFormat_Int32},
-    {Storage::Int64, "int64", 8, NumericTableCSV::CellNumberFormat_Int64},
-    {Storage::Float, "float", 4, NumericTableCSV::CellNumberFormat_Double_1precision},
-};
+constexpr int Integer = -1;
+constexpr int General = -2;
 
-// Three decimals are stored as a double on purpose: files already written declare it so.
-const StorageInfo& storageOf(NumericTableCSV::CellNumberFormat format)
+const FormatEffect kEffects[] = {
+    {Storage::Double, "double", 8, General}, // 0, and any value not listed
+    {Storage::Int8, "int8", 1, Integer},     // 1
+    {Storage::Int16, "int16", 2, Integer},   // 2
+    {Storage::Int32, "int32", 4, Integer},   // 3
+    {Storage::Int64, "int64", 8, Integer},   // 4
+    {Storage::Float, "float", 4, 1},         // 5
+    {Storage::Float, "float", 4, 2},         // 6
+    {Storage::Double, "double", 8, 3},       // 7: three decimals declared as a double
+};
+constexpr int kEffectCount = int(sizeof(kEffects) / sizeof(kEffects[0]));
+
+const FormatEffect& effectOf(NumericTableCSV::CellNumberFormat format)
 {
-    Storage storage = Storage::Double;
-    switch (format) {
-    case NumericTableCSV::CellNumberFormat_Int8: storage = Storage::Int8; break;
-    case NumericTableCSV::CellNumberFormat_Int16: storage = Storage::Int16; break;
-    case NumericTableCSV::CellNumberFormat_Int:
-    case NumericTableCSV::CellNumberFormat_Int32: storage = Storage::Int32; break;
-    case NumericTableCSV::CellNumberFormat_Int64: storage = Storage::Int64; break;
-    case NumericTableCSV::CellNumberFormat_Double_1precision:
-    case NumericTableCSV::CellNumberFormat_Double_2precision: storage = Storage::Float; break;
-    default: break;
-    }
-    return *std::find_if(std::begin(kStorages), std::end(kStorages),
-                         [storage](const StorageInfo& info) { return info.storage == storage; });
+    const int value = int(format);
+    return kEffects[value >= 0 && value < kEffectCount ? value : 0];
 }
 
-const StorageInfo* storageNamed(const QByteArray& type)
+// The plainest format stored as `type`: what a loaded column gets back.
+const FormatEffect* effectNamed(const QByteArray& type, NumericTableCSV::CellNumberFormat* format)
 {
-    for (const StorageInfo& info : kStorages) {
-        if (type == info.type)
-            return &info;
+    for (int value = 0; value < kEffectCount; ++value) {
+        if (type == kEffects[value].type) {
+            *format = NumericTableCSV::CellNumberFormat(value);
+            return &kEffects[value];
+        }
     }
     return nullptr;
 }
 
 QString cellText(const QVariant& value, NumericTableCSV::CellNumberFormat format)
 {
-    switch (format) {
-    case NumericTableCSV::CellNumberFormat_Int8:
-    case NumericTableCSV::CellNumberFormat_Int16:
-    case NumericTableCSV::CellNumberFormat_Int:
-    case NumericTableCSV::CellNumberFormat_Int32: return QString::number(value.toInt());
-    case NumericTableCSV::CellNumberFormat_Int64: return QString::number(value.toLongLong());
-    case NumericTableCSV::CellNumberFormat_Double_1precision: return QString::number(value.toDouble(), 'f', 1);
-    case NumericTableCSV::CellNumberFormat_Double_2precision: return QString::number(value.toDouble(), 'f', 2);
-    case NumericTableCSV::CellNumberFormat_Double_3precision: return QString::number(value.toDouble(), 'f', 3);
-    default: return QString::number(value.toDouble(), 'g', 6);
-    }
+    const FormatEffect& effect = effectOf(format);
+    if (effect.decimals == Integer)
+        return effect.storage == Storage::Int64 ? QString::number(value.toLongLong()) : QString::number(value.toInt());
+    if (effect.decimals == General)
+        return QString::number(value.toDouble(), 'g', 6);
+    return QString::number(value.toDouble(), 'f', effect.decimals);
 }
 
 void writeCell(QDataStream& stream, const QVariant& value, Storage storage)
@@ -266,7 +261,7 @@ bool NumericTableCSV::writeHeaders(QIODevice& file, bool simple) const
         QString types;
         QString sizes;
         for (int column = 0; column < headerCount(); ++column) {
-            const StorageInfo& info = storageOf(cellFormat(column));
+            const FormatEffect& info = effectOf(cellFormat(column));
             types += QString::fromLatin1(info.type) + m_separator;
             sizes += QString::number(info.size) + m_separator;
         }
@@ -288,7 +283,7 @@ bool NumericTableCSV::writeDataLine(QIODevice& file, int row, bool simple) const
     }
     QDataStream stream(&file);
     for (int column = 0; column < headerCount(); ++column)
-        writeCell(stream, cell(row, column), storageOf(cellFormat(column)).storage);
+        writeCell(stream, cell(row, column), effectOf(cellFormat(column)).storage);
     return stream.status() == QDataStream::Ok;
 }
 
@@ -409,7 +404,8 @@ bool NumericTableCSV::loadBinary(const QByteArray& bytes)
     QMap<int, CellNumberFormat> formats;
     int recordSize = 0;
     for (int column = 0; column < nameItems.size(); ++column) {
-        const StorageInfo* info = storageNamed(typeItems.at(column));
+        CellNumberFormat format = CellNumberFormat_Double;
+        const FormatEffect* info = effectNamed(typeItems.at(column), &format);
         if (!info || sizeItems.at(column).toInt() != info->size) {
             m_errorString = QStringLiteral("column %1 has the unknown type %2/%3")
                                 .arg(column)
@@ -418,7 +414,7 @@ bool NumericTableCSV::loadBinary(const QByteArray& bytes)
         }
         headers.append(QString::fromUtf8(nameItems.at(column)));
         storages.append(info->storage);
-        formats.insert(column, info->formatOnLoad);
+        formats.insert(column, format);
         recordSize += info->size;
     }
     const QByteArray records = bytes.mid(position);
