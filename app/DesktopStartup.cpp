@@ -20,6 +20,7 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QQmlApplicationEngine>
+#include <QQmlError>
 #include <QQmlContext>
 #include <QQuickWindow>
 #include <QScreen>
@@ -103,10 +104,20 @@ bool DesktopStartup::start(int& exitCode)
     // 12. Load, saying so while it takes.
     const QString loading = QCoreApplication::translate("Generic", "Loading UI");
     GlobalConsole::setStatus(QStringLiteral("UI"), loading);
+    // Errors of the interface file are what its author needs to see, even without --verbose.
+    QStringList errors;
+    const auto collect = QObject::connect(m_qml.get(), &QQmlApplicationEngine::warnings, m_qml.get(),
+                                          [&errors](const QList<QQmlError>& warnings) {
+                                              for (const QQmlError& warning : warnings)
+                                                  errors.append(warning.toString());
+                                          });
     m_qml->load(file.startsWith(QLatin1String("qrc:")) ? QUrl(file) : QUrl::fromLocalFile(file));
+    QObject::disconnect(collect);
     GlobalConsole::clearStatus(QStringLiteral("UI"));
     // 13. No window, no program.
     if (m_qml->rootObjects().isEmpty()) {
+        for (const QString& error : std::as_const(errors))
+            ProgramSetup::fail(error);
         ProgramSetup::fail(QStringLiteral("the interface %1 could not be loaded").arg(file));
         exitCode = -1;
         return false;
