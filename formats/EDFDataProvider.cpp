@@ -117,7 +117,7 @@ QMap<double, QString> EDFDataProvider::getMarkers()
     QList<edf_annotation_struct> list;
     m_reader->getAnnotationList(list);
     for (const edf_annotation_struct& a : list)
-        markers.insert(double(a.onset / 10000000), QString::fromUtf8(a.annotation).trimmed());
+        markers.insert(double(a.onset) / 10000000.0, QString::fromUtf8(a.annotation).trimmed());
     return markers;
 }
 
