@@ -1,7 +1,5 @@
 #include "dsp/CustomRhythmAlgorithm.h"
 
-#include "dsp/BandBins.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -31,13 +29,15 @@ void CustomRhythmAlgorithm::setChannelSpecification(const QString& channels)
 
 bool CustomRhythmAlgorithm::channelShare(const QList<float>& spectrum, double frequencyStep, double& share) const
 {
-    const BandBins band(m_lowerFrequency, m_upperFrequency, frequencyStep);
+    // The bin frequency grows by the step, as clients computing the same share do; a band
+    // end counts exactly, so with an inexact step (0.1 Hz) an end may fall just outside.
     double total = 0.0;
     double inBand = 0.0;
-    for (int i = 0; i < spectrum.size(); ++i) {
+    double frequency = 0.0;
+    for (int i = 0; i < spectrum.size(); ++i, frequency += frequencyStep) {
         const double amplitude = spectrum.at(i);
         total += amplitude;
-        if (band.contains(i))
+        if (m_lowerFrequency <= frequency && frequency <= m_upperFrequency)
             inBand += amplitude;
     }
     if (!(total > 0.0))
