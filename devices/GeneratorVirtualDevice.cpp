@@ -5,7 +5,6 @@
 #include "services/TextHelper.h"
 #include "settings/VirtualDevicesSettings.h"
 
-#include <QLoggingCategory>
 #include <QtGlobal>
 
 #include <algorithm>
@@ -17,7 +16,6 @@
 namespace {
 
 // Per-sample ECG tracing; off unless "orvex.generator.trace.debug=true" is enabled.
-Q_LOGGING_CATEGORY(lcGeneratorTrace, "orvex.generator.trace", QtWarningMsg)
 
 // Picked up by the translation tools: the value names shown for GeneratorType.
 [[maybe_unused]] const char* const kGeneratorTypeNames[] = {
@@ -364,7 +362,7 @@ void GeneratorVirtualDevice::makeECG()
             if (q < beat.size()) {
                 // Inverted: EEG displays draw negative upwards, so the R peak points up there.
                 out.append(-m_amplitude * beat[q]);
-                qCDebug(lcGeneratorTrace) << "BAD ECG sample";
+                qDebug("BAD ECG sample"); // written for every beat sample, shown with --verbose
             }
             ++q;
             if (qint64(q) < qint64(period) - state.hrvOffsets[ch])

@@ -258,6 +258,14 @@ private Q_SLOTS:
         QVERIFY(version.out.startsWith("OrvexPro "));
     }
 
+    // Debug lines such as the generator's per-beat-sample trace show with --verbose only.
+    void debugLinesOnlyWhenVerbose()
+    {
+        const QStringList ecg { "--headless", "--duration", "0.5", "--set", "SignalType=ECG" };
+        QVERIFY(run(ecg + QStringList { "--verbose" }).err.contains("BAD ECG sample"));
+        QVERIFY(!run(ecg).err.contains("BAD ECG sample"));
+    }
+
     void printSettingsShowsEveryCapability()
     {
         const Run result = run({ "--print-settings", "--set", "GeneratorAmplitude=100" });
