@@ -35,8 +35,8 @@ bool CommandLineOptions::parse(const QStringList& arguments, CommandLineOptions&
             const bool file = options.device.endsWith(QLatin1String(".edf"), Qt::CaseInsensitive)
                 || options.device.endsWith(QLatin1String(".bdf"), Qt::CaseInsensitive);
             if (options.device != QLatin1String("generator") && options.device != QLatin1String("headset-sim")
-                && !file) {
-                error = QStringLiteral("unknown device '%1' (generator, headset-sim, or an .edf or .bdf file)")
+                && options.device != QLatin1String("none") && !file) {
+                error = QStringLiteral("unknown device '%1' (generator, headset-sim, none, or an .edf or .bdf file)")
                             .arg(options.device);
                 return false;
             }
@@ -96,8 +96,14 @@ bool CommandLineOptions::parse(const QStringList& arguments, CommandLineOptions&
             return false;
         }
     }
+    if (options.device == QLatin1String("none") && (options.record || !options.csvPath.isEmpty()
+                                                     || !options.csvMetricsPath.isEmpty())) {
+        error = QStringLiteral("--record, --csv and --csv-metrics need a device; --device none starts none");
+        return false;
+    }
     if (options.speed != 1
-        && (options.device == QLatin1String("generator") || options.device == QLatin1String("headset-sim"))) {
+        && (options.device == QLatin1String("generator") || options.device == QLatin1String("headset-sim")
+            || options.device == QLatin1String("none"))) {
         error = QStringLiteral("--speed applies to a recording played with --device FILE");
         return false;
     }
@@ -112,10 +118,11 @@ QString CommandLineOptions::usage()
         "Without a display, and with --duration, --record, --csv, --csv-metrics or --speed,\n"
         "the run has no window.\n"
         "\n"
-        "  --device generator|headset-sim|FILE.edf|FILE.bdf\n"
+        "  --device generator|headset-sim|none|FILE.edf|FILE.bdf\n"
         "                       the device to stream: the signal generator (default without a\n"
         "                       window; the window starts none unless asked), a simulated\n"
-        "                       Bluetooth headset (faults: the HeadsetSim... settings), or a\n"
+        "                       Bluetooth headset (faults: the HeadsetSim... settings), none\n"
+        "                       (API clients choose with startSearch and startDevice), or a\n"
         "                       recording played in real time, looping\n"
         "  --speed FACTOR       playback speed of a recording: 1 real time (default), 0 every\n"
         "                       sample once as fast as possible, then exit\n"

@@ -23,6 +23,12 @@ HeadlessSession::HeadlessSession(OrvexModel* model, const CommandLineOptions& op
 bool HeadlessSession::start(QString& error)
 {
     CortexCore* engine = m_model->engine();
+    if (m_options.device == QLatin1String("none")) {
+        // The command interface alone: a client searches and starts a device itself.
+        if (m_options.durationSeconds > 0)
+            QTimer::singleShot(qint64(m_options.durationSeconds * 1000.0), this, [this] { finish(0); });
+        return true;
+    }
     const bool started = m_options.device == QLatin1String("generator") ? startGenerator(error)
         : m_options.device == QLatin1String("headset-sim")               ? startHeadsetSimulator(error)
                                                                          : startFilePlayer(error);

@@ -192,26 +192,48 @@ private Q_SLOTS:
 
     // A client drives the running program over HTTP: it sees the streaming generator, gets
     // the reference page, and closes the program, which then exits cleanly.
+    // With the generator, or with no device until a client starts one.
+    void commandInterfaceDrivesTheRun_data()
+    {
+        QTest::addColumn<QStringList>("device");
+        QTest::newRow("generator") << QStringList();
+        QTest::newRow("none") << QStringList { "--device", "none" };
+    }
+
     void commandInterfaceDrivesTheRun()
     {
+        QFETCH(QStringList, device);
         const int port = ProgramUnderTest::freePort();
         QProcess process;
         process.setProcessEnvironment(environment());
-        process.start(QStringLiteral(ORVEX_BINARY), { "--headless", "--api-port", QString::number(port) });
+        process.start(QStringLiteral(ORVEX_BINARY), QStringList { "--headless", "--api-port", QString::number(port) } + device);
         QVERIFY(process.waitForStarted());
         const QString address = QStringLiteral("http://127.0.0.1:%1/").arg(port);
+        const auto call = [&address](const QString& command) {
+            return QJsonDocument::fromJson(httpGet(address + command)).object();
+        };
 
+        if (!device.isEmpty()) {
+            QTRY_VERIFY_WITH_TIMEOUT(call("currentDeviceInfo").contains("result"), 15000);
+            QVERIFY(call("currentDeviceInfo").value("device").isNull());
+            QCOMPARE(call("rawData").value("error").toString(), QStringLiteral("Device is not connected"));
+            QVERIFY(call("startSearch").value("result").toBool());
+            int generator = -1;
+            QTRY_VERIFY_WITH_TIMEOUT([&] {
+                const QJsonArray found = call("listDevices").value("devices").toArray();
+                for (int i = 0; i < found.size(); ++i)
+                    generator = found.at(i).toObject().value("name").toString() == "GeneratorDevice" ? i : generator;
+                return generator >= 0;
+            }(), 5000);
+            QVERIFY(call(QStringLiteral("startDevice?index=%1").arg(generator)).value("result").toBool());
+        }
         QJsonObject info;
-        QTRY_VERIFY_WITH_TIMEOUT((info = QJsonDocument::fromJson(httpGet(address + "currentDeviceInfo")).object())
-                                     .value("device")
-                                     .isObject(),
-                                 15000);
+        QTRY_VERIFY_WITH_TIMEOUT((info = call("currentDeviceInfo")).value("device").isObject(), 15000);
         QCOMPARE(info.value("device").toObject().value("name").toString(), QStringLiteral("GeneratorDevice"));
         QVERIFY(info.value("currentFrequency").toDouble() > 0);
         QVERIFY(httpGet(address).contains("<cmd "));
 
-        const QJsonObject closed = QJsonDocument::fromJson(httpGet(address + "close")).object();
-        QVERIFY(closed.value("result").toBool());
+        QVERIFY(call("close").value("result").toBool());
         QVERIFY(process.waitForFinished(10000));
         QCOMPARE(process.exitCode(), 0);
     }
@@ -291,6 +313,7 @@ private Q_SLOTS:
         QTest::newRow("bad duration") << QStringList { "--headless", "--duration", "soon" };
         QTest::newRow("unknown device") << QStringList { "--headless", "--device", "toaster" };
         QTest::newRow("not a recording") << QStringList { "--headless", "--device", "notes.txt" };
+        QTest::newRow("record without a device") << QStringList { "--headless", "--device", "none", "--record", "x" };
         QTest::newRow("speed of the generator") << QStringList { "--headless", "--speed", "0" };
         QTest::newRow("negative speed") << QStringList { "--headless", "--device", "a.edf", "--speed", "-1" };
         QTest::newRow("unknown setting") << QStringList { "--headless", "--set", "Bogus=1" };
