@@ -238,6 +238,8 @@ void DesktopStartup::startDevices()
         return;
     }
     const QString& device = m_options.device;
+    if (device == QLatin1String("none"))
+        return;
     if (device == QLatin1String("generator")) {
         devices->startWhenFound(QStringLiteral("GeneratorDevice"));
     } else if (device == QLatin1String("headset-sim")) {
