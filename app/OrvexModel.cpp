@@ -195,6 +195,11 @@ QString OrvexModel::getRecordsFolder() const
     return m_settings->resolvedDataFolder();
 }
 
+int OrvexModel::getApiPort() const
+{
+    return m_server ? m_server->portHTTP() : 0;
+}
+
 QStringList OrvexModel::getFeedbackScreens() const
 {
     return FeedbackScreens;

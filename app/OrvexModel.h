@@ -51,6 +51,7 @@ public:
     QStringList getFeedbackScreens() const override;
     QString getCurrentFeedbackScreen() const override { return m_feedbackScreen; }
     bool setCurrentFeedbackScreen(const QString& screen) override;
+    int getApiPort() const override;
     void closeApplication() override;
     bool openLink(const QUrl& url) override;
 

@@ -34,6 +34,9 @@ public:
     virtual QString getCurrentFeedbackScreen() const = 0;
     virtual bool setCurrentFeedbackScreen(const QString& screen) = 0;
 
+    // The HTTP port the command interface listens on; 0 when it is not listening.
+    virtual int getApiPort() const { return 0; }
+
     virtual void closeApplication() = 0;
     // Hands an http(s) address to the desktop; false when it was not opened.
     virtual bool openLink(const QUrl& url) = 0;

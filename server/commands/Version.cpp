@@ -1,7 +1,6 @@
 #include "server/commands/Version.h"
 
 #include "server/DataServerContext.h"
-#include "settings/OrvexSettings.h"
 
 #include <QLocale>
 
@@ -10,12 +9,11 @@ Version::Version(DataServerContext* context, QObject* parent)
 {
 }
 
-// The command does not see the server; the settings name the port it listens on.
 bool Version::processCommand(Referrer, QJsonObject& response, QMap<QString, QString>&)
 {
-    const OrvexSettings* settings = context() ? context()->getSettings() : nullptr;
     response.insert(QStringLiteral("version"), QStringLiteral(ORVEX_VERSION));
-    response.insert(QStringLiteral("port"), settings ? settings->getAPIPort() : 0);
+    // The port in use (--api-port may differ from the setting).
+    response.insert(QStringLiteral("port"), context() ? context()->getApiPort() : 0);
     response.insert(QStringLiteral("locale"), QLocale().name());
     return true;
 }

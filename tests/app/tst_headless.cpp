@@ -232,6 +232,7 @@ private Q_SLOTS:
         QCOMPARE(info.value("device").toObject().value("name").toString(), QStringLiteral("GeneratorDevice"));
         QVERIFY(info.value("currentFrequency").toDouble() > 0);
         QVERIFY(httpGet(address).contains("<cmd "));
+        QCOMPARE(call("version").value("port").toInt(), port); // the port in use, not the setting
 
         QVERIFY(call("close").value("result").toBool());
         QVERIFY(process.waitForFinished(10000));
