@@ -15,7 +15,21 @@ Item {
         id: fileDialog
         property int row: -1
         objectName: "settingsFileDialog"
-        onAccepted: ui.settings.setValue(row, selectedFile.toString().replace(/^file:\/\//, ""))
+        onAccepted: ui.settings.setValue(row, decodeURIComponent(selectedFile.toString().replace(/^file:\/\//, "")))
+    }
+
+    FolderDialog {
+        id: folderDialog
+        property int row: -1
+        objectName: "settingsFolderDialog"
+        onAccepted: ui.settings.setValue(row, decodeURIComponent(selectedFolder.toString().replace(/^file:\/\//, "")))
+    }
+
+    ColorDialog {
+        id: colorDialog
+        property int row: -1
+        objectName: "settingsColorDialog"
+        onAccepted: ui.settings.setValue(row, selectedColor.toString())
     }
 
     ListView {
@@ -56,6 +70,7 @@ Item {
             required property var choiceValues
             required property string placeholder
             required property string fileFilter
+            required property var suggestions
             required property bool shown
             required property bool canRestore
             required property string defaultValue
@@ -94,27 +109,65 @@ Item {
 
                     Label { visible: row.prefix !== ""; text: row.prefix; color: theme.dimText }
                     TextField {
+                        id: editor
                         objectName: "editor"
                         visible: row.editor === "number" || row.editor === "text" || row.editor === "color"
-                                 || row.editor === "file"
+                                 || row.editor === "file" || row.editor === "folder"
                         text: row.value
                         placeholderText: row.editor === "number" && row.minimum !== ""
                                          ? row.minimum + " … " + row.maximum : row.placeholder
                         Layout.fillWidth: true
                         onEditingFinished: if (text !== row.value) ui.settings.setValue(row.index, text)
+                        // Arrow keys step a number; a refused step shows its reason like typing does.
+                        Keys.onUpPressed: if (row.editor === "number") ui.settings.stepValue(row.index, 1)
+                        Keys.onDownPressed: if (row.editor === "number") ui.settings.stepValue(row.index, -1)
+                        // A refused text stays in the field until the value itself changes.
+                        Connections {
+                            target: row
+                            function onValueChanged() { editor.text = row.value }
+                        }
+                    }
+                    ToolButton {
+                        objectName: "suggestionsButton"
+                        visible: row.editor === "text" && row.suggestions.length > 0
+                        text: "▾"
+                        onClicked: suggestionsMenu.popup()
+                        Menu {
+                            id: suggestionsMenu
+                            Repeater {
+                                model: row.suggestions
+                                MenuItem {
+                                    required property string modelData
+                                    text: modelData
+                                    onTriggered: ui.settings.setValue(row.index, modelData)
+                                }
+                            }
+                        }
                     }
                     Rectangle {
                         visible: row.editor === "color"
                         implicitWidth: theme.unit * 1.5
                         implicitHeight: theme.unit * 1.5
                         radius: theme.radius
-                        color: row.value
+                        color: row.editor === "color" ? row.value : "transparent"
                         border.color: theme.border
+                        TapHandler {
+                            onTapped: {
+                                colorDialog.row = row.index
+                                colorDialog.selectedColor = row.value
+                                colorDialog.open()
+                            }
+                        }
                     }
                     Button {
-                        visible: row.editor === "file"
+                        visible: row.editor === "file" || row.editor === "folder"
                         text: qsTr("Choose…")
                         onClicked: {
+                            if (row.editor === "folder") {
+                                folderDialog.row = row.index
+                                folderDialog.open()
+                                return
+                            }
                             fileDialog.row = row.index
                             fileDialog.nameFilters = [row.fileFilter !== "" ? qsTr("Files (%1)").arg(row.fileFilter)
                                                                              : qsTr("All files (*)")]
@@ -122,11 +175,13 @@ Item {
                         }
                     }
                     Switch {
+                        objectName: "editorSwitch"
                         visible: row.editor === "bool"
                         checked: row.value === "true"
                         onToggled: ui.settings.setValue(row.index, checked ? "true" : "false")
                     }
                     ComboBox {
+                        objectName: "editorChoice"
                         visible: row.editor === "enum"
                         model: row.choices
                         currentIndex: row.choiceValues.indexOf(row.value)

@@ -4,6 +4,7 @@
 #include "settings/MetaDescription.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 bool isTrue(const QVariant& text)
@@ -44,6 +45,8 @@ QString SettingsListModel::editorOf(const QVariantMap& capabilities)
         return QStringLiteral("readonly");
     if (capabilities.value(QStringLiteral("specialType")).toString().startsWith(QLatin1String("PickFile")))
         return QStringLiteral("file");
+    if (capabilities.value(QStringLiteral("specialType")).toString().startsWith(QLatin1String("PickFolder")))
+        return QStringLiteral("folder");
     if (type == QLatin1String("bool"))
         return QStringLiteral("bool");
     if (!capabilities.value(QStringLiteral("enums")).toStringList().isEmpty())
@@ -124,6 +127,20 @@ bool SettingsListModel::restoreDefault(int row)
     if (row < 0 || row >= m_rows.size() || !data(index(row), CanRestoreRole).toBool())
         return false;
     return setValue(row, m_rows[row].property->getDefaultValueText());
+}
+
+bool SettingsListModel::stepValue(int row, int steps)
+{
+    if (row < 0 || row >= m_rows.size() || data(index(row), EditorRole).toString() != QLatin1String("number"))
+        return false;
+    bool numeric = false;
+    const double value = data(index(row), ValueRole).toString().toDouble(&numeric);
+    const double step = data(index(row), StepRole).toString().toDouble();
+    if (!numeric)
+        return false;
+    const int decimals = data(index(row), DecimalsRole).toInt();
+    const double next = value + steps * (step > 0 ? step : std::pow(10.0, -decimals));
+    return setValue(row, QString::number(next, 'f', decimals));
 }
 
 int SettingsListModel::rowOf(const QString& name) const

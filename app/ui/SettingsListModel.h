@@ -22,7 +22,7 @@ public:
         DisplayNameRole,
         DescriptionRole,
         SectionRole,     // the category's display name
-        EditorRole,      // "number", "bool", "enum", "text", "color", "file", "readonly"
+        EditorRole,      // "number", "bool", "enum", "text", "color", "file", "folder", "readonly"
         ValueRole,       // as text
         DefaultRole,
         MinimumRole,
@@ -50,6 +50,9 @@ public:
     // False, with the reason in the row's error, when the setting refuses the text.
     Q_INVOKABLE bool setValue(int row, const QString& text);
     Q_INVOKABLE bool restoreDefault(int row);
+    // A number moved by whole steps (its own step, else its last shown digit); refused like any
+    // other value when that leaves its range.
+    Q_INVOKABLE bool stepValue(int row, int steps);
     Q_INVOKABLE int rowOf(const QString& name) const;
 
 private:

@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 #include <QJsonArray>
+#include <QSet>
 
 using namespace WindowHarness;
 
@@ -19,6 +20,89 @@ public:
 
 private:
     QString m_recorded;
+
+    QString text(int row, int role) const { return ui()->settings()->data(ui()->settings()->index(row), role).toString(); }
+
+    // The row's delegate, scrolled into the list.
+    QQuickItem* reveal(int row)
+    {
+        QMetaObject::invokeMethod(item("settingsList"), "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0));
+        QTest::qWait(10);
+        return item(qPrintable(QStringLiteral("setting_") + text(row, SettingsListModel::NameRole)));
+    }
+
+    // What the page's editor of this kind does when a person enters `value`.
+    void enter(QQuickItem* shown, const QString& editor, int row, const QString& value)
+    {
+        if (editor == QLatin1String("bool")) {
+            QObject* control = findItem(shown, QStringLiteral("editorSwitch"));
+            control->setProperty("checked", value == QLatin1String("true"));
+            QMetaObject::invokeMethod(control, "toggled");
+        } else if (editor == QLatin1String("enum")) {
+            const QStringList values = ui()->settings()->data(ui()->settings()->index(row), SettingsListModel::ChoiceValuesRole).toStringList();
+            QMetaObject::invokeMethod(findItem(shown, QStringLiteral("editorChoice")), "activated", Q_ARG(int, int(values.indexOf(value))));
+        } else {
+            QObject* field = findItem(shown, QStringLiteral("editor"));
+            field->setProperty("text", value);
+            QMetaObject::invokeMethod(field, "editingFinished");
+        }
+    }
+
+    QString validValue(int row) const
+    {
+        const QString editor = text(row, SettingsListModel::EditorRole);
+        const QString now = text(row, SettingsListModel::ValueRole);
+        if (editor == QLatin1String("bool"))
+            return now == QLatin1String("true") ? QStringLiteral("false") : QStringLiteral("true");
+        if (editor == QLatin1String("enum")) {
+            const QStringList values = ui()->settings()->data(ui()->settings()->index(row), SettingsListModel::ChoiceValuesRole).toStringList();
+            return values.at((values.indexOf(now) + 1) % values.size());
+        }
+        if (editor == QLatin1String("number")) {
+            const QString minimum = text(row, SettingsListModel::MinimumRole);
+            return minimum.toDouble() != now.toDouble() ? minimum : text(row, SettingsListModel::MaximumRole);
+        }
+        if (editor == QLatin1String("color"))
+            return QStringLiteral("#123456");
+        if (editor == QLatin1String("file")) {
+            const QString copy = homePath(QStringLiteral("walked.edf"));
+            QFile::copy(m_recorded, copy);
+            return now == copy ? m_recorded : copy;
+        }
+        if (editor == QLatin1String("folder"))
+            return homePath(QStringLiteral("walked"));
+        return now + QStringLiteral("X");
+    }
+
+    // Null where every text is a value of the property.
+    QString invalidValue(int row) const
+    {
+        const QString editor = text(row, SettingsListModel::EditorRole);
+        if (editor == QLatin1String("bool"))
+            return QStringLiteral("maybe");
+        if (editor == QLatin1String("enum"))
+            return QStringLiteral("NoSuchChoice");
+        if (editor == QLatin1String("color"))
+            return QStringLiteral("not a colour");
+        if (editor == QLatin1String("number")) {
+            const QString maximum = text(row, SettingsListModel::MaximumRole);
+            return maximum.isEmpty() ? QStringLiteral("abc") : QString::number(maximum.toDouble() * 10 + 1);
+        }
+        return {};
+    }
+
+    // The value as an API client reads it (the key, when one is set, goes along).
+    QString apiValue(const QString& name) const
+    {
+        SettingsListModel* model = ui()->settings();
+        const QString key = text(model->rowOf(QStringLiteral("APIKey")), SettingsListModel::ValueRole);
+        for (const QString type : { QString(), QStringLiteral("virtualdevices") }) {
+            const QJsonObject reply = apiCall(QStringLiteral("getSettings?key=%1&type=%2&apikey=%3").arg(name, type, key));
+            if (reply.contains(QLatin1String("value")))
+                return reply.value(QLatin1String("value")).toString();
+        }
+        return QStringLiteral("<not answered>");
+    }
 
 private Q_SLOTS:
     void initTestCase()
@@ -212,23 +296,77 @@ private Q_SLOTS:
         QCOMPARE(item("statusDevice")->property("text").toString().contains(devices->currentDeviceName()), true);
     }
 
-    // The generated settings page: a refused value shows its reason beside the field.
-    void settingsPageShowsRefusals()
+    // Every property of every settings class through the generated page, as a person enters it:
+    // a valid value, a refused one (its reason beside the field, the value kept), the default
+    // again; after each step the API's getSettings says what the page says.
+    void settingsPageWalksEveryProperty()
     {
         show(QStringLiteral("Settings"));
+        SettingsListModel* model = ui()->settings();
         QQuickItem* list = item("settingsList");
-        QVERIFY(list && list->property("count").toInt() == ui()->settings()->rowCount());
-        const int row = ui()->settings()->rowOf(QStringLiteral("StorageTime"));
-        QVERIFY(!ui()->settings()->setValue(row, QStringLiteral("0")));
-        QMetaObject::invokeMethod(list, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0));
-        QTest::qWait(200);
-        QQuickItem* shown = item("setting_StorageTime");
-        QVERIFY(shown);
-        QQuickItem* error = findItem(shown, QStringLiteral("settingError"));
-        QVERIFY(error && error->isVisible() && !error->property("text").toString().isEmpty());
+        QVERIFY(list && list->property("count").toInt() == model->rowCount());
+        for (int row = 0; row < model->rowCount(); ++row) {
+            const QString name = text(row, SettingsListModel::NameRole);
+            const QString editor = text(row, SettingsListModel::EditorRole);
+            const QString before = text(row, SettingsListModel::ValueRole);
+            QQuickItem* shown = reveal(row);
+            QVERIFY2(shown, qPrintable(name));
+            QCOMPARE(apiValue(name), before);
+            if (editor == QLatin1String("readonly")) {
+                QVERIFY2(!model->setValue(row, before + QLatin1Char('1')), qPrintable(name));
+                continue;
+            }
+            enter(shown, editor, row, validValue(row));
+            QVERIFY2(text(row, SettingsListModel::ValueRole) != before, qPrintable(name));
+            QVERIFY2(text(row, SettingsListModel::ErrorRole).isEmpty(), qPrintable(name));
+            const QString valid = text(row, SettingsListModel::ValueRole);
+            QCOMPARE(apiValue(name), valid);
+
+            const QString invalid = invalidValue(row);
+            if (!invalid.isNull()) {
+                if (editor == QLatin1String("bool") || editor == QLatin1String("enum"))
+                    QVERIFY(!model->setValue(row, invalid)); // their editors cannot produce one
+                else
+                    enter(shown, editor, row, invalid);
+                const QQuickItem* reason = findItem(shown, QStringLiteral("settingError"));
+                QVERIFY2(!reason->property("text").toString().isEmpty(), qPrintable(name));
+                QCOMPARE(reason->isVisible(), shown->isVisible());
+                QCOMPARE(text(row, SettingsListModel::ValueRole), valid);
+                QCOMPARE(apiValue(name), valid);
+            }
+            if (model->data(model->index(row), SettingsListModel::CanRestoreRole).toBool()) {
+                QMetaObject::invokeMethod(findItem(shown, QStringLiteral("restoreDefault")), "clicked");
+                QVERIFY2(text(row, SettingsListModel::ErrorRole).isEmpty(), qPrintable(name));
+                QCOMPARE(apiValue(name), text(row, SettingsListModel::ValueRole));
+                QVERIFY(findItem(shown, QStringLiteral("settingError"))->property("text").toString().isEmpty());
+            }
+            QVERIFY(model->setValue(row, before)); // the run goes on with its own settings
+        }
         saveScreenshot(QStringLiteral("settings"));
-        QVERIFY(ui()->settings()->restoreDefault(row));
-        QTRY_VERIFY(!error->isVisible());
+    }
+
+    // Switching the generator's signal type shows and hides its properties at once.
+    void settingsVisibilityFollowsSignalType()
+    {
+        SettingsListModel* model = ui()->settings();
+        const int type = model->rowOf(QStringLiteral("SignalType"));
+        const QStringList types = model->data(model->index(type), SettingsListModel::ChoiceValuesRole).toStringList();
+        const QString before = text(type, SettingsListModel::ValueRole);
+        QSet<QString> seen;
+        for (const QString& choice : types) {
+            QVERIFY(model->setValue(type, choice));
+            QStringList visible;
+            for (int row = 0; row < model->rowCount(); ++row) {
+                const bool shownNow = model->data(model->index(row), SettingsListModel::ShownRole).toBool();
+                if (shownNow)
+                    visible.append(text(row, SettingsListModel::NameRole));
+                if (text(row, SettingsListModel::NameRole).startsWith(QLatin1String("Generator")))
+                    QCOMPARE(reveal(row)->isVisible(), shownNow);
+            }
+            seen.insert(visible.join(QLatin1Char(',')));
+        }
+        QVERIFY2(seen.size() > 1, "no property depends on the signal type");
+        QVERIFY(model->setValue(type, before));
     }
 
     // With an application object the API sees the screens and opens links in the browser.
