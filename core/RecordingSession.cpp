@@ -31,10 +31,13 @@ bool RecordingSession::open(const Setup& setup, QString& error)
         m_edf.reset();
         return false;
     }
+    PatientInfo patient = setup.patient;
+    m_edf->setPatientInfo(patient);
     m_edf->takeStartTime(setup.startMs);
     if (setup.rawBdf) {
         m_raw = std::make_unique<EDFWriter>(m_stem + QStringLiteral(".raw.bdf"), setup.deviceChannelNames, rate,
                                             QMap<QString, float>(), QList<double>());
+        m_raw->setPatientInfo(patient);
         m_raw->takeStartTime(setup.startMs);
     }
     if (setup.oxd) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "formats/PatientInfo.h"
+
 #include <QDateTime>
 #include <QJsonObject>
 #include <QList>
@@ -29,6 +31,7 @@ public:
         bool oxd = true;
         QJsonObject sideHeader; // device, channels, rate, filters, start time
         qint64 startMs = 0;
+        PatientInfo patient; // written into the header of the EDF/BDF files
     };
 
     RecordingSession();

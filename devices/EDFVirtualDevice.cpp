@@ -106,8 +106,36 @@ void EDFVirtualDevice::releaseReader()
     m_reader = nullptr;
 }
 
+qint64 EDFVirtualDevice::position() const
+{
+    return sharedPosition();
+}
+
+void EDFVirtualDevice::seek(qint64 sample)
+{
+    sharedPosition() = int(std::clamp<qint64>(sample, 0, std::max(0, m_length - 1)));
+}
+
+void EDFVirtualDevice::setPaused(bool paused)
+{
+    m_paused = paused;
+    m_lastTickTime = 0; // the next tick after a pause only restamps the clock
+}
+
+bool EDFVirtualDevice::setSpeed(double speed)
+{
+    if (!(speed >= MinSpeed && speed <= MaxSpeed))
+        return false;
+    m_speed = speed;
+    return true;
+}
+
 void EDFVirtualDevice::onDataTimer()
 {
+    if (m_paused) {
+        m_lastTickTime = 0;
+        return;
+    }
     calcSampleOnPack();
     const int n = m_samplesThisTick;
     if (n <= 0)
@@ -130,7 +158,7 @@ void EDFVirtualDevice::onDataTimer()
 void EDFVirtualDevice::calcSampleOnPack()
 {
     const qint64 now = m_timeSource ? m_timeSource() : systemTimeMs();
-    m_samplesThisTick = TickPacer::samplesDue(now, m_samplesPerMs, m_lastTickTime, m_sampleCarry);
+    m_samplesThisTick = TickPacer::samplesDue(now, float(m_samplesPerMs * m_speed), m_lastTickTime, m_sampleCarry);
 }
 
 qint64 EDFVirtualDevice::emitRange(qint64 first, int blockSamples, int blocks)

@@ -36,6 +36,19 @@ public:
     qint64 emitRange(qint64 first, int blockSamples, int blocks);
     int lengthSamples() const { return m_length; }
 
+    // The window's player controls. The position is the next sample handed out (shared by
+    // every player); seeking clamps to the file.
+    qint64 position() const;
+    void seek(qint64 sample);
+    // Paused, the timer keeps running but hands out nothing; continuing does not catch up.
+    void setPaused(bool paused);
+    bool isPaused() const { return m_paused; }
+    // Pace relative to the wall clock, MinSpeed..MaxSpeed; false (and unchanged) outside.
+    bool setSpeed(double speed);
+    double speed() const { return m_speed; }
+    static constexpr double MinSpeed = 0.5;
+    static constexpr double MaxSpeed = 8.0;
+
     QString deviceType() override;
     QString deviceVersion() override;
     bool open() override;
@@ -63,4 +76,6 @@ private:
     qint32 m_samplesThisTick = 0;
 
     TimeSource m_timeSource;
+    bool m_paused = false;
+    double m_speed = 1.0;
 };

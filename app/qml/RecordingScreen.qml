@@ -27,6 +27,8 @@ Item {
 
         Panel {
             title: qsTr("Recording")
+            Layout.row: 0
+            Layout.column: 0
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.preferredWidth: (content.width - content.columnSpacing) * 0.6
@@ -181,6 +183,9 @@ Item {
 
         Panel {
             title: qsTr("Annotations")
+            Layout.row: 0
+            Layout.column: 1
+            Layout.rowSpan: 2
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.preferredWidth: (content.width - content.columnSpacing) * 0.4
@@ -230,7 +235,80 @@ Item {
         }
 
         Panel {
+            title: qsTr("Patient")
+            objectName: "patientPanel"
+            Layout.row: 1
+            Layout.column: 0
+            Layout.fillWidth: true
+            Layout.preferredWidth: (content.width - content.columnSpacing) * 0.6
+
+            // Written into the header of the next recording's files.
+            GridLayout {
+                columns: 4
+                columnSpacing: theme.spacing
+                rowSpacing: Math.round(theme.unit * 0.3)
+                enabled: !ui.recording.recording
+                Layout.fillWidth: true
+
+                Label { text: qsTr("Name"); color: theme.dimText }
+                TextField {
+                    objectName: "patientName"
+                    text: ui.recording.patientName
+                    Layout.fillWidth: true
+                    onEditingFinished: ui.recording.patientName = text
+                }
+                Label { text: qsTr("Code"); color: theme.dimText }
+                TextField {
+                    objectName: "patientCode"
+                    text: ui.recording.patientCode
+                    Layout.fillWidth: true
+                    onEditingFinished: ui.recording.patientCode = text
+                }
+                Label { text: qsTr("Gender"); color: theme.dimText }
+                ComboBox {
+                    objectName: "patientGender"
+                    model: [qsTr("Unknown"), qsTr("Male"), qsTr("Female")]
+                    currentIndex: ui.recording.patientGender
+                    Layout.fillWidth: true
+                    onActivated: index => ui.recording.patientGender = index
+                }
+                Label { text: qsTr("Birth date"); color: theme.dimText }
+                TextField {
+                    objectName: "patientBirthDate"
+                    text: ui.recording.birthDate
+                    placeholderText: qsTr("YYYY-MM-DD")
+                    Layout.fillWidth: true
+                    onEditingFinished: ui.recording.setBirthDate(text)
+                }
+                Label { text: qsTr("Equipment"); color: theme.dimText }
+                TextField {
+                    objectName: "patientEquipment"
+                    text: ui.recording.equipment
+                    Layout.fillWidth: true
+                    onEditingFinished: ui.recording.equipment = text
+                }
+                Label { text: qsTr("Additional"); color: theme.dimText }
+                TextField {
+                    objectName: "patientAdditional"
+                    text: ui.recording.patientAdditional
+                    Layout.fillWidth: true
+                    onEditingFinished: ui.recording.patientAdditional = text
+                }
+            }
+            Label {
+                objectName: "patientError"
+                visible: ui.recording.patientError !== ""
+                text: ui.recording.patientError
+                color: theme.bad
+                wrapMode: Text.WordWrap
+                Layout.fillWidth: true
+            }
+        }
+
+        Panel {
             title: qsTr("Files")
+            Layout.row: 2
+            Layout.column: 0
             Layout.columnSpan: 2
             Layout.fillWidth: true
 

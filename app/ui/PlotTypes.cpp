@@ -1,5 +1,6 @@
 #include "app/ui/PlotTypes.h"
 
+#include "app/ui/ReviewPlot.h"
 #include "app/ui/SpectrogramPlot.h"
 #include "app/ui/SpectrumBuffer.h"
 #include "app/ui/SpectrumPlot.h"
@@ -14,6 +15,7 @@ void PlotTypes::registerAll()
     qmlRegisterType<TracePlot>(uri, 1, 0, "TracePlot");
     qmlRegisterType<SpectrumPlot>(uri, 1, 0, "SpectrumPlot");
     qmlRegisterType<SpectrogramPlot>(uri, 1, 0, "SpectrogramPlot");
+    qmlRegisterType<ReviewPlot>(uri, 1, 0, "ReviewPlot");
     const QString provided = QStringLiteral("provided by the application");
     qmlRegisterUncreatableType<TraceBuffer>(uri, 1, 0, "TraceBuffer", provided);
     qmlRegisterUncreatableType<SpectrumBuffer>(uri, 1, 0, "SpectrumBuffer", provided);

@@ -4,6 +4,7 @@
 #include "services/GlobalConsole.h"
 #include "settings/OrvexSettings.h"
 
+#include <QDate>
 #include <QDesktopServices>
 #include <QDir>
 #include <QUrl>
@@ -141,4 +142,64 @@ void RecordingController::setError(const QString& error)
     m_lastError = error;
     GlobalConsole::writeLine(QStringLiteral("Recording: ") + error);
     Q_EMIT stateChanged();
+}
+
+template <typename Change>
+void RecordingController::changePatient(Change change)
+{
+    PatientInfo patient = m_engine->patientInfo();
+    change(patient);
+    m_engine->setPatientInfo(patient);
+    Q_EMIT patientChanged();
+}
+
+void RecordingController::setPatientName(const QString& name)
+{
+    changePatient([&](PatientInfo& p) { p.patientName = name.trimmed(); });
+}
+
+void RecordingController::setPatientCode(const QString& code)
+{
+    changePatient([&](PatientInfo& p) { p.patientCode = code.trimmed(); });
+}
+
+void RecordingController::setPatientGender(int gender)
+{
+    changePatient([&](PatientInfo& p) { p.gender = gender == 1 || gender == 2 ? gender : 0; });
+}
+
+void RecordingController::setEquipment(const QString& equipment)
+{
+    changePatient([&](PatientInfo& p) { p.equipment = equipment.trimmed(); });
+}
+
+void RecordingController::setPatientAdditional(const QString& additional)
+{
+    changePatient([&](PatientInfo& p) { p.patientAdditional = additional.trimmed(); });
+}
+
+QString RecordingController::birthDate() const
+{
+    const PatientInfo p = m_engine->patientInfo();
+    const QDate date(p.birthYear, p.birthMonth, p.birthDay);
+    return date.isValid() ? date.toString(Qt::ISODate) : QString();
+}
+
+bool RecordingController::setBirthDate(const QString& text)
+{
+    const QString trimmed = text.trimmed();
+    const QDate date = QDate::fromString(trimmed, Qt::ISODate);
+    if (!trimmed.isEmpty() && (!date.isValid() || date > QDate::currentDate() || date.year() < 1900)) {
+        m_patientError = QStringLiteral("Birth date: a past date as YYYY-MM-DD, or empty");
+        GlobalConsole::writeLine(QStringLiteral("Recording: birth date refused: ") + trimmed);
+        Q_EMIT patientChanged();
+        return false;
+    }
+    m_patientError.clear();
+    changePatient([&](PatientInfo& p) {
+        p.birthYear = date.isValid() ? date.year() : 0;
+        p.birthMonth = date.isValid() ? date.month() : 0;
+        p.birthDay = date.isValid() ? date.day() : 0;
+    });
+    return true;
 }

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "app/ui/AnnotationListModel.h"
+#include "core/CortexCore.h"
 
 #include <QObject>
 #include <QStringList>
 
-class CortexCore;
 class OrvexSettings;
 
 // The recording controls: start, pause, continue, stop, the elapsed recording time, the
@@ -24,6 +24,16 @@ class RecordingController : public QObject
     Q_PROPERTY(QString lastError READ lastError NOTIFY stateChanged)
     Q_PROPERTY(QStringList keyAnnotations READ keyAnnotations CONSTANT)
     Q_PROPERTY(AnnotationListModel* annotations READ annotations CONSTANT)
+    // Who the next recording is of, written into its file header.
+    Q_PROPERTY(QString patientName READ patientName WRITE setPatientName NOTIFY patientChanged)
+    Q_PROPERTY(QString patientCode READ patientCode WRITE setPatientCode NOTIFY patientChanged)
+    // 0 unknown, 1 male, 2 female.
+    Q_PROPERTY(int patientGender READ patientGender WRITE setPatientGender NOTIFY patientChanged)
+    // "yyyy-MM-dd" or empty; see setBirthDate.
+    Q_PROPERTY(QString birthDate READ birthDate NOTIFY patientChanged)
+    Q_PROPERTY(QString equipment READ equipment WRITE setEquipment NOTIFY patientChanged)
+    Q_PROPERTY(QString patientAdditional READ patientAdditional WRITE setPatientAdditional NOTIFY patientChanged)
+    Q_PROPERTY(QString patientError READ patientError NOTIFY patientChanged)
 public:
     RecordingController(CortexCore* engine, OrvexSettings* settings, QObject* parent = nullptr);
 
@@ -53,13 +63,32 @@ public:
     Q_INVOKABLE bool annotateKey(int key);
     Q_INVOKABLE bool openFolder();
 
+    QString patientName() const { return m_engine->patientInfo().patientName; }
+    QString patientCode() const { return m_engine->patientInfo().patientCode; }
+    int patientGender() const { return m_engine->patientInfo().gender; }
+    QString birthDate() const;
+    QString equipment() const { return m_engine->patientInfo().equipment; }
+    QString patientAdditional() const { return m_engine->patientInfo().patientAdditional; }
+    QString patientError() const { return m_patientError; }
+    void setPatientName(const QString& name);
+    void setPatientCode(const QString& code);
+    void setPatientGender(int gender);
+    void setEquipment(const QString& equipment);
+    void setPatientAdditional(const QString& additional);
+    // "yyyy-MM-dd" in the past, or empty for unknown; anything else is refused with patientError.
+    Q_INVOKABLE bool setBirthDate(const QString& text);
+
 Q_SIGNALS:
     void stateChanged();
     void durationChanged();
     void folderChanged();
+    void patientChanged();
 
 private:
     void setError(const QString& error);
+    // Applies `change` to the engine's patient record and reports it.
+    template <typename Change>
+    void changePatient(Change change);
 
     CortexCore* m_engine;
     OrvexSettings* m_settings;
@@ -68,4 +97,5 @@ private:
     QString m_currentFile;
     QStringList m_lastFiles;
     QString m_lastError;
+    QString m_patientError;
 };
