@@ -789,6 +789,30 @@ void CortexCore::setMontageChannelNames(QList<QString> names)
     Q_EMIT montageChanged();
 }
 
+bool CortexCore::setMontage(QList<MontageChannel> montage)
+{
+    QString refusal;
+    if (m_recording)
+        refusal = QStringLiteral("a recording is running");
+    else if (!m_deviceStarted)
+        refusal = QStringLiteral("no device is started");
+    else if (montage.isEmpty())
+        refusal = QStringLiteral("the montage has no channels");
+    for (const MontageChannel& channel : std::as_const(montage)) {
+        if (refusal.isEmpty() && (channel.group1 < 0 || channel.group1 >= m_channelCount
+                                  || channel.group2 < -1 || channel.group2 >= m_channelCount))
+            refusal = QStringLiteral("channel %1 reads an input the device lacks").arg(channel.name);
+    }
+    if (!refusal.isEmpty()) {
+        kxDebug() << QStringLiteral("Montage not changed: ") + refusal;
+        return false;
+    }
+    m_montage = montage;
+    recreateDataAndFilters(true);
+    Q_EMIT montageChanged();
+    return true;
+}
+
 QList<int> CortexCore::channelIndexesFromNameString(QString names) const
 {
     QList<int> indexes;
@@ -979,6 +1003,7 @@ bool CortexCore::startRecord(QString path, bool)
     setup.rawBdf = m_recordRaw;
     setup.oxd = m_recordOxd;
     setup.startMs = now.toMSecsSinceEpoch();
+    setup.patient = m_patient;
     setup.sideHeader = QJsonObject { { QStringLiteral("device"), m_currentInfo.name },
                                      { QStringLiteral("samplingRate"), double(m_samplingRate) },
                                      { QStringLiteral("deviceChannels"), QJsonArray::fromStringList(setup.deviceChannelNames) },

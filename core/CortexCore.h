@@ -117,6 +117,10 @@ public:
     MontageChannel montageChannel(int index) const;
     int getMontageChannelIndex(QString name) const;
     void setMontageChannelNames(QList<QString> names);
+    // Replaces the running device's montage and rebuilds filters and histories. Refused (false,
+    // with a console line) while recording, without a device, or when the montage reads inputs
+    // the device lacks.
+    bool setMontage(QList<MontageChannel> montage);
     QList<int> channelIndexesFromNameString(QString names) const;
 
     // Metering: spectra, rhythms, meditation and concentration, custom algorithms
@@ -157,6 +161,9 @@ public:
     QString getDataFolder() const { return m_dataFolder; }
     void enableRecordRawEDF(bool enable) { m_recordRaw = enable; }
     void enableRecordOXD(bool enable) { m_recordOxd = enable; }
+    // Who the next recordings are of; goes into their file headers.
+    void setPatientInfo(const PatientInfo& patient) { m_patient = patient; }
+    PatientInfo patientInfo() const { return m_patient; }
     // False when no device streams or a file cannot be written (see lastRecordError()).
     bool startRecord(QString path = QString(), bool flag = false);
     QList<QString> stopRecord();
@@ -288,6 +295,7 @@ private:
     RecordingSpaceWatch* m_spaceWatch = nullptr;
     bool m_recordRaw = false;
     bool m_recordOxd = true;
+    PatientInfo m_patient;
     qint64 m_pauseStartedMs = 0;
     std::unique_ptr<RecordingSession> m_record;
     QList<PendingLogItem> m_pendingLog;

@@ -281,3 +281,13 @@ void OrvexSettings::setEngineNodes(int value)
 {
     assign(m_engineNodes, value, &OrvexSettings::EngineNodesChanged);
 }
+
+void OrvexSettings::setCustomAlgorithms(QString value)
+{
+    assign(m_customAlgorithms, value, &OrvexSettings::CustomAlgorithmsChanged);
+}
+
+void OrvexSettings::setDeviceMontages(QString value)
+{
+    assign(m_deviceMontages, value, &OrvexSettings::DeviceMontagesChanged);
+}

@@ -541,6 +541,23 @@ class OrvexSettings : public KxSettings
     Q_CLASSINFO("EngineNodesDisplayName", "Engine nodes")
     Q_CLASSINFO("EngineNodesDescription", "Number of independent engines (one device each) offered to other programs; read at start")
 
+    // Kept as JSON text and edited on their own screens, so not listed with the other settings.
+    Q_PROPERTY(QString CustomAlgorithms READ getCustomAlgorithms WRITE setCustomAlgorithms NOTIFY CustomAlgorithmsChanged)
+    Q_CLASSINFO("CustomAlgorithmsCategory", "1.Common")
+    Q_CLASSINFO("CustomAlgorithmsDefault", "\"[]\"")
+    Q_CLASSINFO("CustomAlgorithmsEditable", "true")
+    Q_CLASSINFO("CustomAlgorithmsNotVisible", "")
+    Q_CLASSINFO("CustomAlgorithmsDisplayName", "Custom algorithms")
+    Q_CLASSINFO("CustomAlgorithmsDescription", "The user's algorithms as a JSON array, one object per algorithm")
+
+    Q_PROPERTY(QString DeviceMontages READ getDeviceMontages WRITE setDeviceMontages NOTIFY DeviceMontagesChanged)
+    Q_CLASSINFO("DeviceMontagesCategory", "1.Common")
+    Q_CLASSINFO("DeviceMontagesDefault", "\"{}\"")
+    Q_CLASSINFO("DeviceMontagesEditable", "true")
+    Q_CLASSINFO("DeviceMontagesNotVisible", "")
+    Q_CLASSINFO("DeviceMontagesDisplayName", "Montage per device")
+    Q_CLASSINFO("DeviceMontagesDescription", "JSON object from device name to the montage file applied when it starts")
+
 public:
     explicit OrvexSettings(QObject* parent = nullptr);
     ~OrvexSettings() override;
@@ -601,6 +618,8 @@ public:
     int getAPIPort() const { return m_apiPort; }
     QString getAPIKey() const { return m_apiKey; }
     int getEngineNodes() const { return m_engineNodes; }
+    QString getCustomAlgorithms() const { return m_customAlgorithms; }
+    QString getDeviceMontages() const { return m_deviceMontages; }
 
     void setStorageTime(int value);
     void setFavouriteDevice(QString value);
@@ -654,6 +673,8 @@ public:
     void setAPIPort(int value);
     void setAPIKey(QString value);
     void setEngineNodes(int value);
+    void setCustomAlgorithms(QString value);
+    void setDeviceMontages(QString value);
 
 Q_SIGNALS:
     void StorageTimeChanged();
@@ -708,6 +729,8 @@ Q_SIGNALS:
     void APIPortChanged();
     void APIKeyChanged();
     void EngineNodesChanged();
+    void CustomAlgorithmsChanged();
+    void DeviceMontagesChanged();
 
 private:
     // Start values only until initialize() applies the declared defaults.
@@ -763,4 +786,6 @@ private:
     int m_apiPort = 0;
     QString m_apiKey;
     int m_engineNodes = 1;
+    QString m_customAlgorithms;
+    QString m_deviceMontages;
 };

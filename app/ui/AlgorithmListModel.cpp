@@ -43,3 +43,14 @@ void AlgorithmListModel::setResults(const QList<QJsonObject>& results)
     if (!m_values.isEmpty())
         Q_EMIT dataChanged(index(0), index(int(m_values.size()) - 1));
 }
+
+bool AlgorithmListModel::valueOf(const QString& name, double& value) const
+{
+    for (const auto& entry : m_values) {
+        if (entry.first == name) {
+            value = entry.second;
+            return true;
+        }
+    }
+    return false;
+}

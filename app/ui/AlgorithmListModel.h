@@ -20,6 +20,8 @@ public:
 
     // {"name", "value"} per algorithm, as the engine reports them.
     void setResults(const QList<QJsonObject>& results);
+    // The latest value of the algorithm of that name; false when there is none.
+    bool valueOf(const QString& name, double& value) const;
 
 Q_SIGNALS:
     void countChanged();
