@@ -1,5 +1,7 @@
 #include "app/OrvexModel.h"
 
+#include "app/CustomAlgorithmRunner.h"
+#include "app/DeviceMontageApplier.h"
 #include "app/LossMarker.h"
 #include "app/RecordingResumer.h"
 #include "app/ui/UiModel.h"
@@ -15,7 +17,9 @@
 
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QGuiApplication>
+#include <QStandardPaths>
 #include <QTimer>
 
 namespace {
@@ -35,7 +39,7 @@ OrvexModel::OrvexModel(OrvexSettings* settings, QObject* parent)
     const int nodes = qMax(1, m_settings->getEngineNodes());
     for (int i = 0; i < nodes; ++i)
         m_engines.append(createEngine());
-    GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
+    applyLogging();
 
     connect(m_settings, &KxSettings::settingChanged, this, &OrvexModel::applyEngineSetting);
     connect(m_virtualDevices, &KxSettings::settingChanged, this, [this] {
@@ -57,6 +61,8 @@ CortexCore* OrvexModel::createEngine()
     applyRecordingSettings(engine);
     connect(engine, &CortexCore::deviceStarted, this, [this, engine] { startMetering(engine); });
     new RecordingResumer(engine, m_settings, engine);
+    new CustomAlgorithmRunner(engine, m_settings, this);
+    new DeviceMontageApplier(engine, m_settings);
     new LossMarker(engine, engine);
     connect(engine, &CortexCore::recordSpaceLow, this, &OrvexModel::statusMessage);
     connect(engine, &CortexCore::recordFailed, this,
@@ -94,7 +100,7 @@ void OrvexModel::applyEngineSetting(const QString& name)
         }
     }
     if (name == QLatin1String("LoggingEnabled"))
-        GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
+        applyLogging();
     if (name == QLatin1String("APIKey") && m_server)
         m_server->setApiKey(m_settings->getAPIKey());
 }
@@ -193,6 +199,14 @@ CortexCore* OrvexModel::getNode(int index) const
 QString OrvexModel::getRecordsFolder() const
 {
     return m_settings->resolvedDataFolder();
+}
+
+// The log file goes to the documents folder, which a fresh account may not have yet.
+void OrvexModel::applyLogging()
+{
+    if (m_settings->getLoggingEnabled())
+        QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    GlobalConsole::enableLogging(m_settings->getLoggingEnabled());
 }
 
 int OrvexModel::getApiPort() const

@@ -74,6 +74,7 @@ Q_SIGNALS:
 private:
     CortexCore* createEngine();
     void applyEngineSetting(const QString& name);
+    void applyLogging();
     void applyRecordingSettings(CortexCore* engine);
     void startIndex(CortexCore* engine, int index, const QString& prefix);
 

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHostAddress>
 #include <QHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponse>
@@ -214,7 +215,23 @@ void HTWSServer::updateCommandReference()
 
 QString HTWSServer::processManualMessage(const QString& message)
 {
-    return compactJson(processAnyMessage(message, QByteArray()));
+    const QJsonObject reply = processAnyMessage(message, QByteArray());
+    announce(QString(), reply);
+    return compactJson(reply);
+}
+
+void HTWSServer::announce(const QString& client, const QJsonObject& reply)
+{
+    Q_EMIT requestAnswered(client, reply.value(QStringLiteral("command")).toString(),
+                           reply.value(QStringLiteral("result")).toBool(), reply.value(QStringLiteral("error")).toString());
+}
+
+QString HTWSServer::peerText(const QHostAddress& address, quint16 port)
+{
+    bool isV4 = false;
+    const quint32 v4 = address.toIPv4Address(&isV4);
+    const QString host = isV4 ? QHostAddress(v4).toString() : address.toString();
+    return port ? host + QLatin1Char(':') + QString::number(port) : host;
 }
 
 void HTWSServer::setApiKey(const QString& key)
@@ -357,6 +374,7 @@ void HTWSServer::onNewConnection()
         client->setMaxAllowedIncomingFrameSize(quint64(MaxReceivedMessageBytes));
         m_clients.insert(client);
         m_backlog.insert(client, {});
+        Q_EMIT clientConnected(client);
     }
 }
 
@@ -414,6 +432,7 @@ void HTWSServer::socketDisconnected()
     if (!client || !m_clients.remove(client))
         return;
     m_backlog.remove(client);
+    Q_EMIT clientDisconnected(client);
     client->deleteLater();
 }
 
@@ -432,10 +451,12 @@ void HTWSServer::processQueue()
         ClientBacklog& backlog = m_backlog[entry.client.data()];
         --backlog.messages;
         backlog.bytes -= entry.bytes;
-        const QString reply = compactJson(entry.refusal.isEmpty() ? buildReply(entry.text, QByteArray(), entry.client)
-                                                                  : refusalReply(entry.refusal));
+        const QJsonObject reply = entry.refusal.isEmpty() ? buildReply(entry.text, QByteArray(), entry.client)
+                                                          : refusalReply(entry.refusal);
+        if (entry.client)
+            announce(peerText(entry.client->peerAddress(), entry.client->peerPort()), reply);
         if (entry.client && m_clients.contains(entry.client.data()))
-            entry.client->sendTextMessage(reply);
+            entry.client->sendTextMessage(compactJson(reply));
     }
 }
 
@@ -479,6 +500,7 @@ QHttpServerResponse HTWSServer::handleHttpRequest(const QHttpServerRequest& requ
     }
     response.insert(QStringLiteral("result"), result);
     response.insert(QStringLiteral("time"), timeText());
+    announce(peerText(request.remoteAddress(), 0), response);
     const QJsonDocument::JsonFormat format =
         args.contains(QStringLiteral("pretty")) ? QJsonDocument::Indented : QJsonDocument::Compact;
     QHttpServerResponse reply(QByteArrayLiteral("application/json; charset=UTF-8"),

@@ -15,6 +15,7 @@
 #include <QString>
 
 class HTWSCommand;
+class QHostAddress;
 class QHttpServer;
 class QHttpServerRequest;
 class QHttpServerResponse;
@@ -84,6 +85,17 @@ public:
     bool hasApiKey() const { return !m_apiKeyHash.isEmpty(); }
 
     static QString timeText();
+    // "address:port" of a peer, IPv4 addresses without their IPv6 mapping.
+    static QString peerText(const QHostAddress& address, quint16 port);
+    QList<QWebSocket*> clients() const { return m_clients.values(); }
+
+Q_SIGNALS:
+    // For views of the interface; commands run the same whether anyone listens.
+    void clientConnected(QWebSocket* client);
+    void clientDisconnected(QWebSocket* client);
+    // After every command request: the peer ("" for the program's own messages), the command
+    // word as looked up, its result and error text.
+    void requestAnswered(const QString& client, const QString& command, bool result, const QString& error);
 
 protected:
     // Parses a WebSocket-style message (JSON object, bare word or word?key=value&...) and
@@ -125,6 +137,7 @@ private:
     void processQueue();
     void enqueueRefusal(QWebSocket* client, const QString& error);
     QJsonObject buildReply(const QString& message, const QByteArray& body, QWebSocket* client);
+    void announce(const QString& client, const QJsonObject& reply);
     // True when no key is set or the request carries it; strips the key arguments.
     bool acceptsKey(QMap<QString, QString>& args, const QByteArray& header) const;
     bool keyMatches(const QByteArray& candidate) const;

@@ -44,6 +44,10 @@ QList<QString> GlobalConsole::getAverageNames() { return Instance()->_getAverage
 QString GlobalConsole::currentText() { return Instance()->_currentText(); }
 void GlobalConsole::disableType(QString type, bool disable) { Instance()->_disableType(type, disable); }
 void GlobalConsole::enableLogging(bool enable, QString path) { Instance()->_enableLogging(enable, path); }
+bool GlobalConsole::isLoggingEnabled() { return Instance()->m_loggingEnabled; }
+QString GlobalConsole::logFilePath() { return Instance()->m_logFilePath; }
+QStringList GlobalConsole::getItems(const QString& type) { return Instance()->m_texts.value(type); }
+QStringList GlobalConsole::getTypes() { return Instance()->m_texts.keys(); }
 void GlobalConsole::freeData() { Instance()->_freeData(); }
 
 void GlobalConsole::_writeItem(const QString& text, const QString& type, const QDateTime& time)
@@ -66,6 +70,7 @@ void GlobalConsole::_writeItem(const QString& text, const QString& type, const Q
         KxLogger::LogToFile(type, line, m_logFilePath, true);
 
     Q_EMIT newEntry(line);
+    Q_EMIT itemWritten(type, line);
     qDebug().noquote() << line;
 }
 
@@ -141,6 +146,7 @@ void GlobalConsole::_enableLogging(bool enable, const QString& path)
 {
     m_loggingEnabled = enable;
     m_logFilePath = path.isEmpty() ? KxLogger::standardLogFilePath() : path;
+    Q_EMIT loggingChanged();
 }
 
 void GlobalConsole::_freeData()

@@ -33,8 +33,14 @@ public:
     static QList<QString> getAverageNames();
 
     static QString currentText();
+    // The kept items of one type, newest first, and the types that have items.
+    static QStringList getItems(const QString& type);
+    static QStringList getTypes();
     static void disableType(QString type, bool disable);
     static void enableLogging(bool enable, QString path = QString());
+    static bool isLoggingEnabled();
+    // The file named by the last enableLogging (where logging starts when nothing was logged yet).
+    static QString logFilePath();
     static void freeData();
 
 Q_SIGNALS:
@@ -44,6 +50,9 @@ Q_SIGNALS:
     void statusCleared(QString name);
     void newAverageName(QString name);
     void updatedAverage(QString name, double value);
+    // The same item as newEntry with its type apart, for views that group or filter by type.
+    void itemWritten(QString type, QString line);
+    void loggingChanged();
 
 private:
     struct Average

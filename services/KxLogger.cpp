@@ -88,3 +88,14 @@ QString KxLogger::dailyPath(const QString& prefix)
 {
     return prefix + QDate::currentDate().toString(QStringLiteral("yyyy.MM.dd")) + QStringLiteral(".log");
 }
+
+QString KxLogger::currentFilePath()
+{
+    QMutex* mutex = st_pMutex;
+    if (mutex)
+        mutex->lock();
+    const QString path = QString::fromUtf8(file_path);
+    if (mutex)
+        mutex->unlock();
+    return path;
+}

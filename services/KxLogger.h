@@ -27,6 +27,8 @@ public:
 
     static void setLoggerPath(QString prefix);
     static QString standardLogFilePath();
+    // The file every line goes to once one was written (see file_path); empty before.
+    static QString currentFilePath();
 
     // Serialises writers when set; without it lines are written unlocked.
     static QMutex* st_pMutex;

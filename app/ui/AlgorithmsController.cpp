@@ -99,12 +99,6 @@ bool AlgorithmsController::setVisibleToControl(int row, bool visible)
         return false;
     definitions[row].visibleToControl = visible;
     store(definitions);
-    // The running object keeps its value; only the mark changes.
-    for (CustomBCIAlgorithm* algorithm : m_engine->getCustomAlgoritms()) {
-        if (algorithm->getName() == definitions[row].name)
-            algorithm->setVisibleToControl(visible);
-    }
-    Q_EMIT m_model->controlOptionsChanged();
     return true;
 }
 
@@ -115,8 +109,7 @@ void AlgorithmsController::clearErrors()
 
 void AlgorithmsController::setDefinitions(const QList<AlgorithmDefinition>& definitions)
 {
-    store(definitions);
-    runInEngine();
+    store(definitions); // the engine's runner follows the setting
 }
 
 void AlgorithmsController::store(const QList<AlgorithmDefinition>& definitions)
@@ -133,19 +126,6 @@ void AlgorithmsController::loadFromSettings()
         return;
     m_stored = text;
     m_list.setDefinitions(AlgorithmDefinition::listFromText(text));
-    runInEngine();
-}
-
-// The engine gets fresh objects in run order; clients are told the control values changed.
-void AlgorithmsController::runInEngine()
-{
-    QList<AlgorithmDefinition> ordered;
-    if (!AlgorithmDefinition::runOrder(m_list.definitions(), ordered))
-        GlobalConsole::writeLine(QStringLiteral("Custom algorithms read each other in a circle; only the others run"));
-    m_engine->clearCustomBCIAlgorithms();
-    for (const AlgorithmDefinition& definition : std::as_const(ordered))
-        m_engine->addCustomBCIAlgorithm(definition.create());
-    Q_EMIT m_model->controlOptionsChanged();
 }
 
 // Without algorithms the engine reports none: the empty list clears the values shown.

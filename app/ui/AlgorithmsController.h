@@ -45,11 +45,10 @@ Q_SIGNALS:
     void channelNamesChanged();
 
 private:
-    // Keeps the definitions (list and setting); setDefinitions also runs them in the engine.
+    // Keeps the definitions in the list and the setting, which the engine's runner follows.
     void store(const QList<AlgorithmDefinition>& definitions);
     void setDefinitions(const QList<AlgorithmDefinition>& definitions);
     void loadFromSettings();
-    void runInEngine();
     void onResult(const CortexDataResult& result);
     void setErrors(const QVariantMap& errors, const QString& error = QString());
 

@@ -1,6 +1,7 @@
 #include "app/ui/IndicesController.h"
 
 #include "core/CortexCore.h"
+#include "dsp/CustomBCIAlgorithm.h"
 
 #include <cmath>
 #include <limits>
@@ -26,7 +27,8 @@ void IndicesController::resetHistory()
 
 void IndicesController::onResult(const CortexDataResult& result)
 {
-    if (result.hasAlgorithmResults)
+    // With no algorithms left no result carries any: the empty list clears the values shown.
+    if (result.hasAlgorithmResults || m_engine->getCustomAlgoritms().isEmpty())
         m_algorithms.setResults(result.algorithmResults);
     if (!result.hasIndexValues)
         return;

@@ -39,8 +39,9 @@ MontageController::MontageController(OrvexModel* model, QObject* parent)
     connect(m_engine, &CortexCore::channelVisualScaleChanged, this, &MontageController::refresh);
     connect(m_engine, &CortexCore::deviceStopped, this, &MontageController::refresh, Qt::QueuedConnection);
     connect(m_engine, &CortexCore::isRecordingChanged, this, &MontageController::stateChanged);
-    // The engine counts as started only once its deviceStarted handlers have run.
-    connect(m_engine, &CortexCore::deviceStarted, this, &MontageController::applyDeviceMontage, Qt::QueuedConnection);
+    // The engine counts as started only once its deviceStarted handlers have run; the device's
+    // own montage file, if any, is applied by the engine's DeviceMontageApplier.
+    connect(m_engine, &CortexCore::deviceStarted, this, &MontageController::refresh, Qt::QueuedConnection);
     connect(model->settings(), &OrvexSettings::DeviceMontagesChanged, this, &MontageController::stateChanged);
     refresh();
 }
@@ -186,16 +187,6 @@ void MontageController::setDeviceMontage(const QString& file)
     else
         files.insert(deviceName(), file);
     settings->setDeviceMontages(QString::fromUtf8(QJsonDocument(files).toJson(QJsonDocument::Compact)));
-}
-
-void MontageController::applyDeviceMontage()
-{
-    refresh();
-    const QString file = deviceMontage();
-    if (file.isEmpty() || !m_engine->isDeviceStarted())
-        return;
-    if (!loadFile(file))
-        GlobalConsole::writeLine(QStringLiteral("The montage of %1 was not applied: %2").arg(deviceName(), m_error));
 }
 
 void MontageController::refresh()

@@ -63,7 +63,6 @@ Q_SIGNALS:
 
 private:
     bool apply(const QList<MontageChannel>& montage);
-    void applyDeviceMontage();
     void refresh();
     void report(const QString& error, const QString& message = QString());
     void setDeviceMontage(const QString& file);
