@@ -86,7 +86,8 @@ int OrvexDataGrabber::firstBreakInQueue() const
 
 void OrvexDataGrabber::reportQueuedLoss() const
 {
-    QString line = QStringLiteral("Lost packet [6ch] ") + m_deviceName;
+    // The queued counters alone, without the device name: "Lost packet [6ch]  1:4 2:5 3:7 4:8".
+    QString line = QStringLiteral("Lost packet [6ch] ");
     for (int i = 0; i < m_queueLength; ++i)
         line += QStringLiteral(" %1:%2").arg(i + 1).arg(counterOf(m_queue[i].data()));
     GlobalConsole::writeLine(line);

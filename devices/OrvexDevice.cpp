@@ -133,7 +133,8 @@ bool OrvexDevice::start(int rate)
 {
     m_rate = rate;
     kxDebug() << QStringLiteral("RATE") << rate;
-    // The periodic battery read starts with the connection watch below.
+    // A fresh battery level with every start; the watch ticks repeat the read from then on.
+    startReadBattery();
     if (!isReady()) {
         m_pendingStart = true;
         return false;

@@ -27,16 +27,14 @@ bool AddLogItem::processCommand(CortexCore* node, Referrer, QJsonObject& respons
         setError(response, QStringLiteral("Provide 'text' parameter"));
         return false;
     }
-    if (!node->isRecording()) {
-        setError(response, QStringLiteral("Record has not been started"));
-        return false;
-    }
-    // The type becomes the log key.
+    // The type becomes the log key. Without a recording the engine decides: an "Annotation"
+    // waits for a recording started shortly after, anything else is refused.
     QString type = oneLine(argumentCaseInsensitive(args, typeKey, QString()));
     if (type.trimmed().isEmpty())
         type = QStringLiteral("Message");
     if (!node->addLogItem(oneLine(text), type.trimmed())) {
-        setError(response, QStringLiteral("The log item could not be written"));
+        setError(response, node->isRecording() ? QStringLiteral("The log item could not be written")
+                                               : QStringLiteral("Record has not been started"));
         return false;
     }
     return true;

@@ -53,8 +53,8 @@ bool SetFilters::processCommand(Referrer, QJsonObject& response, QMap<QString, Q
                                               { QStringLiteral("HPF"), &hpf, false },
                                               { QStringLiteral("BSF"), &bsf, false },
                                               { QStringLiteral("BSF2"), &bsf2, false } } };
-    bool anyGiven = false;
-    // Every value is checked before anything changes, so a bad one leaves all four alone.
+    // Every value is checked before anything changes, so a bad one leaves all four alone. With
+    // none given the current values are applied again.
     for (FilterArgument& filter : filters) {
         const QString text = argumentCaseInsensitive(args, filter.key, QString());
         if (text.isNull())
@@ -64,11 +64,7 @@ bool SetFilters::processCommand(Referrer, QJsonObject& response, QMap<QString, Q
             setError(response, error);
             return false;
         }
-        filter.given = anyGiven = true;
-    }
-    if (!anyGiven) {
-        setError(response, QStringLiteral("Please specify any of 'LPF' or 'HPF' or 'BSF' or 'BSF2' as an argument"));
-        return false;
+        filter.given = true;
     }
     node->setFilters(hpf, lpf, bsf, bsf2);
     if (OrvexSettings* settings = context()->getSettings()) {

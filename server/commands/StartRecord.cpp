@@ -3,9 +3,10 @@
 #include "core/CortexCore.h"
 #include "server/DataServerContext.h"
 #include "server/RecordFileSet.h"
-#include "server/RecordsFolder.h"
 #include "services/GlobalConsoleWriter.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QPointer>
 #include <QTimer>
 
@@ -23,19 +24,23 @@ bool StartRecord::isFlagSet(QMap<QString, QString>& args, const QString& name)
         && value != QLatin1String("no") && value != QLatin1String("off");
 }
 
-// A requested path may only name a file inside the records folder; the engine creates
-// missing folders, so the check resolves the nearest existing one.
+// A relative path is taken in the records folder, an absolute one as it is; the engine
+// creates missing folders. The files of an existing recording are never overwritten.
 bool StartRecord::recordPath(const QString& requested, QString& path, QJsonObject& response)
 {
     path.clear();
     if (requested.isEmpty())
         return true;
-    QString error;
-    const RecordsFolder folder(context()->getRecordsFolder());
-    if (!folder.resolveForWriting(RecordFileSet::stemOf(requested) + QStringLiteral(".edf"), path, error)) {
-        setError(response, error);
-        return false;
+    const QString stem = QDir::cleanPath(
+        QDir(context()->getRecordsFolder()).absoluteFilePath(RecordFileSet::stemOf(requested)));
+    for (const char* suffix : { ".edf", ".raw.bdf", ".oxd", ".log" }) {
+        const QFileInfo file(stem + QLatin1String(suffix));
+        if (file.exists() || file.isSymLink()) {
+            setError(response, QStringLiteral("Record '%1.edf' already exists").arg(stem));
+            return false;
+        }
     }
+    path = stem + QStringLiteral(".edf");
     return true;
 }
 

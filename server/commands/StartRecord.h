@@ -3,8 +3,8 @@
 #include "server/BaseCortexCoreNodeCommand.h"
 
 // Starts recording the streaming device. "path" (relative to the records folder, or absolute
-// inside it) names the main .edf file; without it the engine names the record after the
-// current time. With "noinvoke" the request does not run the start itself: it is scheduled
+// anywhere) names the main .edf file; a recording already there is refused, never overwritten.
+// Without it the engine names the record after the current time. With "noinvoke" the request does not run the start itself: it is scheduled
 // on the event loop and the reply comes at once.
 class StartRecord : public BaseCortexCoreNodeCommand
 {

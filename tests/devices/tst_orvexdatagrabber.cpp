@@ -182,7 +182,8 @@ private Q_SLOTS:
         QCOMPARE(standIn.size(), 4);
         QCOMPARE(standIn[0], microvolts({ 16, 16 }));
         QCOMPARE(standIn[3], microvolts({ 19, 19 }));
-        QVERIFY(GlobalConsole::currentText().contains(QStringLiteral("Lost packet [6ch] OX4 (1) 1:4 2:5 3:7 4:8")));
+        // The four counters without the device name (hence the two spaces).
+        QVERIFY(GlobalConsole::currentText().contains(QStringLiteral("Lost packet [6ch]  1:4 2:5 3:7 4:8")));
         QVERIFY(GlobalConsole::currentText().contains(QStringLiteral("Data grabber lost packet")));
 
         // 7 and 8 stay queued; 9 and 10 complete a frame that starts with packet 7.

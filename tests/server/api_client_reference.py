@@ -196,7 +196,7 @@ def section_envelopes():
     envelope(http("openLink?path=javascript:alert(1)"), "openlink", False,
              re.compile(r"^Only http and https links can be opened"))
     version = http("version")
-    check(version.get("port") == 2336 and version.get("version"), "version reply: %r" % version)
+    check(version.get("port") == HTTP_PORT and version.get("version"), "version reply: %r" % version)
 
     # The same read-only commands over WebSocket in its three message forms.
     replies = ws(["listDevices", "getDeviceInfo?index=0", '{"command": "ListDevices"}',
@@ -232,7 +232,7 @@ def section_errors():
         ("startDevice", "startdevice", False, "Please specify any of 'id' or 'sn' as an argument"),
         ("startDevice?sn=G", "startdevice", False, "Provided serial number is too short"),
         ("startDevice?sn=ZZZZ", "startdevice", False, "Device with serial number 'ZZZZ' not found"),
-        ("startDevice?channels=-2&id=0", "startdevice", False, None),
+        ("startDevice?channels=-2&id=0", "startdevice", True, None),  # a negative count: the preferred one
         ("getDeviceInfo?index=-1", "getdeviceinfo", False, "Index must be greater than zero"),
         ("getDeviceInfo?id=99", "getdeviceinfo", False, "Index is out of range"),
         ("makeFavorite?value=ab", "makefavorite", False, "Please provide a string of minimum 4 letters long"),

@@ -143,6 +143,7 @@ private Q_SLOTS:
     void recordAndStopReturnsTheFiles()
     {
         AddFileToRecord addFile(m_context); // follows the record from its start
+        run<AddLogItem>({ { "text", "lights off" }, { "type", "Annotation" } }); // kept for the record
         run<StartRecord>({ { "path", "session" } });
         QVERIFY(node()->isRecording());
         push(3);
@@ -200,6 +201,7 @@ private Q_SLOTS:
 
         const QString log = QString::fromUtf8(files["log"]);
         QVERIFY(log.contains("\tUser\talice smith\r\n"));
+        QVERIFY(log.contains("\tAnnotation\tlights off\r\n"));
         QVERIFY(log.contains("\tStopReason\tSTOP ON WEB COMMAND\r\n"));
         QCOMPARE(readFile(records() + "/session.csv"), QByteArray("a;b\n"));
     }
@@ -217,12 +219,20 @@ private Q_SLOTS:
         const QRegularExpression timeName("^\\d{4}\\.\\d\\d\\.\\d\\d-\\d\\d\\.\\d\\d\\.\\d\\d\\.edf$");
         QVERIFY2(timeName.match(edfs[0]).hasMatch(), qPrintable(edfs[0]));
 
-        const QString outside = RecordsFolder::outsideErrorText();
-        QCOMPARE(run<StartRecord>({ { "path", "../escape" } }, false).value("error").toString(), outside);
-        QCOMPARE(run<StartRecord>({ { "path", m_outside.filePath("abs") } }, false).value("error").toString(), outside);
+        // Any path, its folder created; an existing recording is refused and left as it is.
+        const QString elsewhere = m_outside.filePath("study/abs");
+        run<StartRecord>({ { "path", elsewhere + ".edf" } });
+        push(1);
+        node()->stopRecord();
+        const QByteArray recorded = readFile(elsewhere + ".edf");
+        QVERIFY(recorded.size() > 256);
+        QCOMPARE(run<StartRecord>({ { "path", elsewhere } }, false).value("error").toString(),
+                 QStringLiteral("Record '%1.edf' already exists").arg(elsewhere));
         QVERIFY(!node()->isRecording());
-        QVERIFY(!QFile::exists(m_context->folderPath() + "/escape.edf"));
-        QVERIFY(!QFile::exists(m_outside.filePath("abs.edf")));
+        QCOMPARE(readFile(elsewhere + ".edf"), recorded);
+        run<StartRecord>({ { "path", "../escape" } });
+        QVERIFY(QFile::exists(m_context->folderPath() + "/escape.edf"));
+        node()->stopRecord();
     }
 
     void startRecordWithoutInvoking()
