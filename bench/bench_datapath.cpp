@@ -37,8 +37,13 @@ void run(benchmark::State& state, bool metering)
     engine.setLPFOrder(4, false);
     engine.createDevice(Channels, Rate);
     engine.enableDataGrabMode(true);
-    if (metering) // spectra with both indices; the indices run from the start
+    if (metering) { // spectra with both indices, on the application's default channels
         engine.startSpectrumCalculation(4.0f, 0.1f, 10.0f);
+        engine.startMetaIndexMetering(CortexCore::Meditation, QStringLiteral("O1,O2"), 0, 100, 0, 100, 0, 100,
+                                      1000, 1000, 10, 16, true);
+        engine.startMetaIndexMetering(CortexCore::Concentration, QStringLiteral("Fp1,Fp2"), 0, 100, 0, 100, 0,
+                                      100, 1000, 1000, 10, 16, true);
+    }
 
     // Distinct blocks so the filters see a changing signal.
     QList<QList<QList<float>>> blocks;

@@ -459,11 +459,14 @@ CortexDataResult CortexCore::addDataChannelWise(QList<QList<float>> block)
 
     m_histories.appendDevice(block);
 
+    // A block whose channel count is not the device's (or that lacks inputs the montage reads)
+    // passes as it is. Said once per layout and block shape: it would otherwise repeat on every block.
     QList<QList<float>> montage;
-    if (!m_pipeline.buildMontage(block, montage)) {
-        if (!m_montageMismatchReported) {
-            kxDebug() << QStringLiteral("Montage %1 vs %2").arg(m_pipeline.requiredInputs()).arg(block.size());
-            m_montageMismatchReported = true;
+    if (block.size() != m_channelCount || !m_pipeline.buildMontage(block, montage)) {
+        if (m_reportedMismatch != block.size()) {
+            const int expected = block.size() != m_channelCount ? m_channelCount : m_pipeline.requiredInputs();
+            kxDebug() << QStringLiteral("Montage %1 vs %2").arg(expected).arg(block.size());
+            m_reportedMismatch = int(block.size());
         }
         montage = block;
     }
@@ -476,14 +479,15 @@ CortexDataResult CortexCore::addDataChannelWise(QList<QList<float>> block)
     Q_EMIT newDataByChannel(filtered);
     emitOptionalDataSignals(filtered);
 
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    m_metering.processBlock(filtered);
+    m_metering.process(filtered, now, result);
+
     const QList<int>& quality = m_pipeline.qualities();
     result.channelValues.reserve(quality.size());
     for (int value : quality)
         result.channelValues.append(float(value));
     Q_EMIT newSignalQuality(quality);
-
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    m_metering.process(filtered, now, result);
 
     if (m_record && !m_recordPaused) {
         if (!m_record->write(filtered, block, now))
@@ -573,13 +577,11 @@ void CortexCore::recreateDataAndFilters(bool recreateFilters)
         QMutexLocker locker(&m_dataMutex);
         m_pipeline.configure(m_montage, m_samplingRate, engineFilterSettings(), recreateFilters);
         m_histories.reset(m_channelCount, int(m_montage.size()), historyLength());
-        m_montageMismatchReported = false;
+        m_reportedMismatch = -1;
         const QStringList names = getCurrentMontageChannelNames();
         m_metering.updateChannelNames(names);
         m_metering.setHistorySpanMs(qint64(m_storageTime * 1000));
-        if (m_metering.isSpectrumRunning())
-            m_metering.startSpectrum(names, m_samplingRate, m_metering.windowSeconds(), m_metering.stepSeconds(),
-                                     m_metering.hanningPercent());
+        m_metering.followChannels(names, m_samplingRate);
     }
     Q_EMIT dataRecreated();
 }
@@ -703,7 +705,7 @@ QList<QList<float>> CortexCore::getFilteredData() const
 QList<QList<float>> CortexCore::grabOriginalData()
 {
     QMutexLocker locker(&m_dataMutex);
-    return m_histories.grabMontage();
+    return m_histories.grabDevice();
 }
 
 QList<QList<float>> CortexCore::grabFilteredData()
@@ -783,9 +785,13 @@ int CortexCore::getMontageChannelIndex(QString name) const
 
 void CortexCore::setMontageChannelNames(QList<QString> names)
 {
-    const qsizetype count = qMin(names.size(), m_montage.size());
-    for (qsizetype i = 0; i < count; ++i)
-        m_montage[i].name = names[i];
+    {
+        QMutexLocker locker(&m_dataMutex);
+        const qsizetype count = qMin(names.size(), m_montage.size());
+        for (qsizetype i = 0; i < count; ++i)
+            m_montage[i].name = names[i];
+        m_metering.updateChannelNames(getCurrentMontageChannelNames());
+    }
     Q_EMIT montageChanged();
 }
 

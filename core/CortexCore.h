@@ -276,7 +276,7 @@ private:
     int m_lpfOrder = 4;
     int m_hpfOrder = 4;
     bool m_grabMode = false;
-    bool m_montageMismatchReported = false;
+    int m_reportedMismatch = -1; // channel count of the last block said not to fit the montage
 
     // Recording state
     struct PendingLogItem

@@ -58,6 +58,7 @@ void EngineMetering::startSpectrum(const QStringList& channelNames, float sampli
                                    float stepSeconds, float hanningPercent)
 {
     stopSpectrum();
+    m_samplingRate = samplingRate;
     m_windowSeconds = windowSeconds;
     m_stepSeconds = stepSeconds;
     m_hanningPercent = hanningPercent;
@@ -94,6 +95,14 @@ void EngineMetering::stopSpectrum()
     m_spectrumGrab.clear();
     m_lastRhythms.clear();
     m_rhythmGrab.clear();
+}
+
+void EngineMetering::followChannels(const QStringList& channelNames, float samplingRate)
+{
+    if (!isSpectrumRunning())
+        return;
+    if (size_t(channelNames.size()) != m_analyzers.size() || samplingRate != m_samplingRate)
+        startSpectrum(channelNames, samplingRate, m_windowSeconds, m_stepSeconds, m_hanningPercent);
 }
 
 QList<float> EngineMetering::frequencies() const
@@ -178,6 +187,9 @@ void EngineMetering::updateChannelNames(const QStringList& channelNames)
 {
     for (CustomBCIAlgorithm* algorithm : std::as_const(m_algorithms))
         algorithm->updateChannelInfo(channelNames);
+    const size_t named = std::min(m_analyzers.size(), size_t(channelNames.size()));
+    for (size_t c = 0; c < named; ++c)
+        m_analyzers[c]->setChannelName(channelNames[qsizetype(c)]);
 }
 
 void EngineMetering::process(const QList<QList<float>>& filtered, qint64 now, CortexDataResult& result)
@@ -200,8 +212,19 @@ void EngineMetering::process(const QList<QList<float>>& filtered, qint64 now, Co
     }
     result.meditation = m_lastIndex[Meditation];
     result.concentration = m_lastIndex[Concentration];
-    QList<QList<float>> block = filtered;
-    runAlgorithms(block, newSpectrum, result);
+    runAlgorithms(newSpectrum, result);
+}
+
+void EngineMetering::processBlock(const QList<QList<float>>& filtered)
+{
+    QList<QList<float>> block;
+    for (CustomBCIAlgorithm* algorithm : std::as_const(m_algorithms)) {
+        if (algorithm->getDataType() != CustomBCIAlgorithm::DataType_Data)
+            continue;
+        if (block.isEmpty())
+            block = filtered; // an algorithm may change what it is handed; the engine's block stays
+        m_algorithmResults.insert(algorithm->getName(), algorithm->processData(block));
+    }
 }
 
 bool EngineMetering::feedSpectra(const QList<QList<float>>& filtered, int offset, int count, qint64 now)
@@ -236,22 +259,16 @@ bool EngineMetering::feedSpectra(const QList<QList<float>>& filtered, int offset
 }
 
 // The raw index value is the share, in percent, of each channel's spectrum inside the index's
-// range, averaged over the index's channels (all channels when none of them is in the montage).
+// range, averaged over the index's channels. With none of them in the montage there is no
+// value: the index keeps its last reading (-1 before the first).
 void EngineMetering::meterIndices(qint64 now, CortexDataResult& result)
 {
     for (int index = 0; index < IndexCount; ++index) {
         RhythmNormalizer& normalizer = m_normalizers[index];
         const QPair<int, int>& bins = m_indexBins[index];
-        int used = 0;
         for (int channel : std::as_const(m_indexChannels[index])) {
-            if (channel >= 0 && size_t(channel) < m_analyzers.size()) {
+            if (channel >= 0 && size_t(channel) < m_analyzers.size())
                 normalizer.addPartialValue(100.0f * m_analyzers[size_t(channel)]->calculateCustomRhythm(bins));
-                ++used;
-            }
-        }
-        if (used == 0) {
-            for (const auto& analyzer : m_analyzers)
-                normalizer.addPartialValue(100.0f * analyzer->calculateCustomRhythm(bins));
         }
         if (normalizer.addValueFromPartial(now)) {
             m_lastIndex[index] = normalizer.getLastValue();
@@ -261,7 +278,8 @@ void EngineMetering::meterIndices(qint64 now, CortexDataResult& result)
     }
 }
 
-void EngineMetering::runAlgorithms(QList<QList<float>>& filtered, bool newSpectrum, CortexDataResult& result)
+// Block algorithms have had their turn in processBlock; their latest values are listed here.
+void EngineMetering::runAlgorithms(bool newSpectrum, CortexDataResult& result)
 {
     if (m_algorithms.isEmpty())
         return;
@@ -273,7 +291,6 @@ void EngineMetering::runAlgorithms(QList<QList<float>>& filtered, bool newSpectr
         double value = m_algorithmResults.value(name, 0.0);
         switch (algorithm->getDataType()) {
         case CustomBCIAlgorithm::DataType_Data:
-            value = algorithm->processData(filtered);
             break;
         case CustomBCIAlgorithm::DataType_Spectrum:
             if (newSpectrum)

@@ -33,6 +33,9 @@ public:
                        float stepSeconds, float hanningPercent);
     void stopSpectrum();
     bool isSpectrumRunning() const { return !m_analyzers.empty(); }
+    // Follows a rebuilt montage: the running analyzers go on (so the last spectrum, rhythms and
+    // index inputs stay) unless the channel count or sampling rate changed, which restarts them.
+    void followChannels(const QStringList& channelNames, float samplingRate);
     float windowSeconds() const { return m_windowSeconds; }
     float stepSeconds() const { return m_stepSeconds; }
     float hanningPercent() const { return m_hanningPercent; }
@@ -59,9 +62,13 @@ public:
     bool removeAlgorithm(const QString& name);
     void clearAlgorithms();
     QList<CustomBCIAlgorithm*> algorithms() const { return m_algorithms; }
+    // Renamed montage channels: the algorithms resolve their channels anew.
     void updateChannelNames(const QStringList& channelNames);
 
-    // Runs one block through everything and fills the metering parts of `result`.
+    // The custom algorithms that take sample blocks; they see each block before its spectrum.
+    void processBlock(const QList<QList<float>>& filtered);
+    // Feeds the spectra, indices and the other custom algorithms and fills the metering parts
+    // of `result`.
     void process(const QList<QList<float>>& filtered, qint64 now, CortexDataResult& result);
     // Spectrum history and grab buffers keep what is newer than this many milliseconds.
     void setHistorySpanMs(qint64 spanMs) { m_historySpanMs = spanMs; }
@@ -69,7 +76,7 @@ public:
 private:
     bool feedSpectra(const QList<QList<float>>& filtered, int offset, int count, qint64 now);
     void meterIndices(qint64 now, CortexDataResult& result);
-    void runAlgorithms(QList<QList<float>>& filtered, bool newSpectrum, CortexDataResult& result);
+    void runAlgorithms(bool newSpectrum, CortexDataResult& result);
     void cropHistories(qint64 now);
     void updateIndexBins();
 
@@ -78,6 +85,7 @@ private:
     float m_stepSeconds = 0;
     float m_hanningPercent = 0;
     float m_frequencyStep = 0;
+    float m_samplingRate = 0;
     QList<QList<float>> m_lastSpectrum;
     QList<TimestampedData> m_spectrumHistory;
     QList<TimestampedData> m_spectrumGrab;

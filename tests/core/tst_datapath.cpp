@@ -205,10 +205,13 @@ private Q_SLOTS:
         m_engine->addData(interleaved);
         QCOMPARE(byChannel.last().first().value<QList<QList<float>>>(), block);
 
-        // Fewer inputs than the montage needs: the montage step is skipped.
-        const QList<QList<float>> shortBlock = sineBlock(4, 10, 0, 10, 20);
-        QCOMPARE(m_engine->addDataChannelWise(shortBlock).filteredBlock, shortBlock);
-        QVERIFY(GlobalConsole::currentText().contains(QStringLiteral("Montage 8 vs 4")));
+        // A block with another channel count than the device's, fewer or more: the montage step
+        // is skipped.
+        for (int channels : { 4, 9 }) {
+            const QList<QList<float>> odd = sineBlock(channels, 10, 0, 10, 20);
+            QCOMPARE(m_engine->addDataChannelWise(odd).filteredBlock, odd);
+            QVERIFY(GlobalConsole::currentText().contains(QStringLiteral("Montage 8 vs %1").arg(channels)));
+        }
     }
 
     void blocksOfAStoppedDeviceAreDropped()

@@ -6,10 +6,37 @@
 #include <QtTest>
 
 #include <cmath>
+#include <functional>
 
 namespace {
 constexpr float Rate = 125.0f; // the 8-channel headset mode
+const QList<int> AllChannels { 0, 1, 2, 3, 4, 5, 6, 7 };
+
+// A block algorithm that only tells when it runs.
+class ProbeAlgorithm : public CustomBCIAlgorithm
+{
+public:
+    explicit ProbeAlgorithm(std::function<void()> onBlock)
+        : CustomBCIAlgorithm(QStringLiteral("probe"))
+        , m_onBlock(std::move(onBlock))
+    {
+    }
+    DataType getDataType() const override { return DataType_Data; }
+
+protected:
+    double internalProcessData(QList<QList<float>>&) override
+    {
+        m_onBlock();
+        return 0;
+    }
+
+private:
+    std::function<void()> m_onBlock;
+};
+
+using EngineChange = std::function<void(CortexCore*)>;
 }
+Q_DECLARE_METATYPE(EngineChange)
 
 // Spectra, rhythms, indices and custom algorithms as the engine runs them on streamed blocks.
 class TestMetering : public QObject
@@ -47,6 +74,12 @@ private Q_SLOTS:
         QVERIFY(m_engine->startDevice(m_engine->getFoundDevices().first(), {}, -1));
         m_engine->setFilters(0, 0, 0, 0);
         m_sample = 0;
+    }
+
+    // An index over the given channels, with the normalizer's default arguments.
+    void startIndex(int index, const QList<int>& channels)
+    {
+        m_engine->startMetaIndexMetering(index, channels, 0, 100, 0, 100, 0, 100, 1000, 1000, 10, 16, true);
     }
 
     void cleanup()
@@ -90,6 +123,8 @@ private Q_SLOTS:
     void indicesFollowTheirBands()
     {
         m_engine->startSpectrumCalculation(4, 0.1f, 10);
+        startIndex(CortexCore::Meditation, AllChannels);
+        startIndex(CortexCore::Concentration, AllChannels);
         stream(6, 10); // alpha everywhere but channel 1
         RhythmNormSample meditation = m_engine->getLastMetaIndexResult(CortexCore::Meditation);
         RhythmNormSample concentration = m_engine->getLastMetaIndexResult(CortexCore::Concentration);
@@ -112,6 +147,63 @@ private Q_SLOTS:
         QVERIFY(before > 10);
         stream(1, 10);
         QVERIFY(!m_engine->grabMetaIndexData(CortexCore::Meditation).isEmpty());
+
+        // None of the index's channels in the montage: no value at all.
+        m_engine->startMetaIndexMetering(CortexCore::Concentration, QStringLiteral("bogus, Cz"), 0, 100, 0, 100, 0,
+                                         100, 1000, 1000, 10, 16, true);
+        stream(1, 10);
+        QCOMPARE(m_engine->getLastMetaIndexResult(CortexCore::Concentration).level, -1.0f);
+        QVERIFY(m_engine->grabMetaIndexData(CortexCore::Concentration).isEmpty());
+    }
+
+    void filterChangesKeepTheSpectrum_data()
+    {
+        QTest::addColumn<EngineChange>("change");
+        QTest::newRow("setHPF") << EngineChange([](CortexCore* e) { e->setHPF(1, true); });
+        QTest::newRow("setLPF") << EngineChange([](CortexCore* e) { e->setLPF(30, true); });
+        QTest::newRow("setBSF") << EngineChange([](CortexCore* e) { e->setBSF(50, true); });
+        QTest::newRow("setFilters") << EngineChange([](CortexCore* e) { e->setFilters(1, 30, 50, 60); });
+        QTest::newRow("setFilter") << EngineChange([](CortexCore* e) { e->setFilter(CortexCore::LPF, 0, 20, true); });
+        QTest::newRow("setChannelScale") << EngineChange([](CortexCore* e) { e->setChannelScale(0, 2, true); });
+        QTest::newRow("setChannelOffset") << EngineChange([](CortexCore* e) { e->setChannelOffset(0, 5, true); });
+    }
+
+    void filterChangesKeepTheSpectrum()
+    {
+        QFETCH(EngineChange, change);
+        m_engine->startSpectrumCalculation(4, 0.1f, 10);
+        startIndex(CortexCore::Meditation, AllChannels);
+        stream(5, 10);
+        const QList<QList<float>> spectrum = m_engine->getLastSpectrum();
+        const qsizetype spectra = m_engine->getSpectrumData().size();
+        const qint64 indexTime = m_engine->getLastMetaIndexResult(CortexCore::Meditation).timestamp;
+        QVERIFY(spectra > 0);
+
+        change(m_engine);
+        QCOMPARE(m_engine->getLastSpectrum(), spectrum);
+        QCOMPARE(m_engine->getSpectrumData().size(), spectra);
+        QCOMPARE(m_engine->getLastStandartRhythms().size(), 8);
+        QCOMPARE(m_engine->getLastMetaIndexResult(CortexCore::Meditation).timestamp, indexTime);
+        // The analyzers go on: the next step brings a spectrum and an index value, not a whole
+        // window later.
+        const QList<CortexDataResult> next = stream(0.4, 10);
+        QVERIFY(!next.isEmpty());
+        QVERIFY(next.first().hasIndexValues);
+    }
+
+    // Block algorithms see each block before its spectrum; the quality comes after both.
+    void dataPathOrder()
+    {
+        m_engine->startSpectrumCalculation(4, 0.1f, 10);
+        QStringList events;
+        auto spectra = [this] { return QString::number(m_engine->getSpectrumData().size()); };
+        m_engine->addCustomBCIAlgorithm(new ProbeAlgorithm([&] { events << QStringLiteral("algorithm ") + spectra(); }));
+        QObject context;
+        connect(m_engine, &CortexCore::newDataByChannel, &context, [&] { events << QStringLiteral("data"); });
+        connect(m_engine, &CortexCore::newSignalQuality, &context,
+                [&] { events << QStringLiteral("quality ") + spectra(); });
+        stream(4, 10); // 500 samples: the last block completes the first spectrum
+        QCOMPARE(events.mid(events.size() - 3), QStringList({ "data", "algorithm 0", "quality 1" }));
     }
 
     void meteringArgumentsReachTheNormalizer()
@@ -145,8 +237,10 @@ private Q_SLOTS:
     {
         m_engine->startSpectrumCalculation(4, 0.1f, 10);
         m_engine->addCustomBCIAlgorithm(new CustomRhythmAlgorithm(QStringLiteral("beta_e2"), QStringLiteral("#0F0"),
-                                                                  14, 35, QStringLiteral("e2"),
+                                                                  14, 35, QStringLiteral("o2"),
                                                                   CustomRhythmAlgorithm::Calculate_Average));
+        // The algorithm finds its channel under the name it gets after it was added.
+        m_engine->setMontageChannelNames({ QStringLiteral("E1"), QStringLiteral("O2") });
         m_engine->addCustomBCIAlgorithm(new CustomMathAlgorithm(QStringLiteral("half"), QStringLiteral("beta_e2 / 2")));
         m_engine->addCustomBCIAlgorithm(nullptr);
         QCOMPARE(m_engine->getCustomAlgoritms().size(), 2);

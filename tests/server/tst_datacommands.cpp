@@ -28,6 +28,7 @@
 #include "server/commands/SetHPF.h"
 #include "server/commands/SetLPF.h"
 #include "server/commands/SpectrumFrequencies.h"
+#include "support/FakeDevices.h"
 
 #include <QJsonArray>
 #include <QtTest>
@@ -130,6 +131,11 @@ class TestDataCommands : public QObject
         QVERIFY(m_context->startGenerator(nodeIndex));
         node(nodeIndex)->setFilters(0, 0, 0, 0);
         QVERIFY(node(nodeIndex)->startSpectrumCalculation(4, 0.1f, 10));
+        // Each index on its default channels, with the normalizers' default arguments.
+        for (const auto& [index, channels] : { std::pair(CortexCore::Meditation, "O1,O2"),
+                                               std::pair(CortexCore::Concentration, "Fp1,Fp2") })
+            node(nodeIndex)->startMetaIndexMetering(index, QString::fromLatin1(channels), 0, 100, 0, 100, 0, 100,
+                                                    1000, 1000, 10, 16, true);
     }
 
 private Q_SLOTS:
@@ -211,12 +217,33 @@ private Q_SLOTS:
         const QJsonArray grabbedRaw = run<GrabRawData>().value("data").toArray();
         QCOMPARE(grabbedRaw.size(), Channels);
         QCOMPARE(grabbedRaw[0].toArray().size(), 50);
-        QCOMPARE(grabbedRaw, JsonChannelData::truncatedChannels(node()->getRawData()));
+        QCOMPARE(grabbedRaw, JsonChannelData::truncatedChannels(node()->getRawDeviceData()));
         QCOMPARE(run<GrabFilteredData>().value("data").toArray(), JsonChannelData::truncatedChannels(filtered));
         QVERIFY(run<GrabRawData>().value("data").toArray()[0].toArray().isEmpty());
 
         run<DisableDataGrabMode>();
         QCOMPARE(run<GrabRawData>().value("error").toString(), BaseCortexCoreNodeCommand::grabModeErrorText());
+    }
+
+    void grabbedRawDataAreTheDeviceChannels()
+    {
+        // A belt device: its montage adds EMG, ECG and Omega to its two inputs.
+        auto* discovery = new FakeDiscovery(node());
+        discovery->visible = { QStringLiteral("Corvanta-2 (0042)") };
+        node()->setDeviceDiscovery(discovery);
+        node()->setHeadsetFactory([](const QBluetoothDeviceInfo& info, QObject* owner) {
+            return new TestHeadset(info.name(), 2, owner);
+        });
+        node()->startDeviceSearch();
+        QTRY_COMPARE(node()->getFoundDevices().last().name, QStringLiteral("Corvanta-2 (0042)"));
+        QVERIFY(node()->startDevice(node()->getFoundDevices().last(), {}, -1));
+        QCOMPARE(node()->getCurrentMontageChannelNames().size(), 5);
+
+        run<EnableDataGrabMode>();
+        const QList<QList<float>> block { { 1, 2, 3 }, { 40, 50, 60 } };
+        node()->addDataChannelWise(block);
+        QCOMPARE(run<GrabRawData>().value("data").toArray(), JsonChannelData::truncatedChannels(block));
+        QCOMPARE(run<GrabFilteredData>().value("data").toArray().size(), 5);
     }
 
     void spectraCarryTheEngineSpectraAndParameters()
@@ -397,8 +424,10 @@ private Q_SLOTS:
                  QString("Could not parse 'abc' as float"));
         QVERIFY(!ok);
         QCOMPARE(node()->getHPF(), 2.0f);
-        QVERIFY(run<SetFilters>({}, &ok).contains("error"));
-        QVERIFY(!ok);
+        // None given: not an error, the current values stay.
+        QVERIFY(!run<SetFilters>({}, &ok).contains("error"));
+        QVERIFY(ok);
+        QCOMPARE(node()->getHPF(), 2.0f);
     }
 
     void storageTime_data()
