@@ -93,7 +93,9 @@ private Q_SLOTS:
         QByteArray console;
         startWindow(process, console, { "--device", "generator", "--api-port", QString::number(port), "--set",
                                "DataFolder=" + folder });
-        QTRY_VERIFY_WITH_TIMEOUT(QJsonDocument::fromJson(httpGet(port, QStringLiteral("startRecord"))).object().value("result").toBool(), 10000);
+        // Once streaming, one start: a second start would end the first recording and begin another.
+        QTRY_VERIFY_WITH_TIMEOUT(QJsonDocument::fromJson(httpGet(port, QStringLiteral("currentDeviceInfo"))).object().value("currentFrequency").toDouble() > 0, 10000);
+        QVERIFY(QJsonDocument::fromJson(httpGet(port, QStringLiteral("startRecord"))).object().value("result").toBool());
         QTest::qWait(2500);
         ::kill(pid_t(process.processId()), SIGTERM);
         QVERIFY(process.waitForFinished(10000));
