@@ -19,6 +19,7 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QGuiApplication>
+#include <QMetaProperty>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -70,39 +71,67 @@ CortexCore* OrvexModel::createEngine()
     return engine;
 }
 
+// What a change of each setting does to an engine (or to the model). A setting that is not
+// here must be in settingsReadWhereUsed(), or a test fails: a new setting cannot be ignored
+// by accident.
+const QHash<QString, OrvexModel::SettingAction>& OrvexModel::settingActions()
+{
+    static const QHash<QString, SettingAction> actions = [] {
+        QHash<QString, SettingAction> table {
+            { "HPF", [](OrvexModel* m, CortexCore* e) { e->setHPF(m->m_settings->getHPF(), true); } },
+            { "LPF", [](OrvexModel* m, CortexCore* e) { e->setLPF(m->m_settings->getLPF(), true); } },
+            { "BSF", [](OrvexModel* m, CortexCore* e) { e->setBSF(m->m_settings->getBSF(), true); } },
+            { "BSF2", [](OrvexModel* m, CortexCore* e) { e->setBSF2(m->m_settings->getBSF2(), true); } },
+            { "HPFOrder", [](OrvexModel* m, CortexCore* e) { e->setHPFOrder(m->m_settings->getHPFOrder(), true); } },
+            { "LPFOrder", [](OrvexModel* m, CortexCore* e) { e->setLPFOrder(m->m_settings->getLPFOrder(), true); } },
+            { "StorageTime", [](OrvexModel* m, CortexCore* e) { e->setStorageTimeSeconds(m->m_settings->getStorageTime()); } },
+            { "UseFIR", [](OrvexModel* m, CortexCore* e) {
+                 CortexCore::Use_FIR = m->m_settings->getUseFIR();
+                 e->recreateDataAndFilters(true);
+             } },
+            // Not per engine; applying them once per engine does no harm.
+            { "LoggingEnabled", [](OrvexModel* m, CortexCore*) { m->applyLogging(); } },
+            { "APIKey", [](OrvexModel* m, CortexCore*) {
+                 if (m->m_server)
+                     m->m_server->setApiKey(m->m_settings->getAPIKey());
+             } },
+        };
+        for (const char* name : { "DataFolder", "RecordRawEDF", "RecordOXD" })
+            table.insert(QLatin1String(name), [](OrvexModel* m, CortexCore* e) { m->applyRecordingSettings(e); });
+        // Every spectrum and index setting restarts the metering of a running device.
+        const QMetaObject& meta = OrvexSettings::staticMetaObject;
+        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+            const QString name = QLatin1String(meta.property(i).name());
+            if (name.startsWith(QLatin1String("Spectrum")) || name.startsWith(QLatin1String("Meditation"))
+                || name.startsWith(QLatin1String("Concentration")))
+                table.insert(name, [](OrvexModel* m, CortexCore* e) {
+                    if (e->isDeviceStarted())
+                        m->startMetering(e);
+                });
+        }
+        return table;
+    }();
+    return actions;
+}
+
+QStringList OrvexModel::settingsReadWhereUsed()
+{
+    return {
+        QStringLiteral("FavouriteDevice"), QStringLiteral("StartFavouriteDevice"), // the device search
+        QStringLiteral("ResumeRecordingAfterReconnect"), // RecordingResumer, when a device returns
+        QStringLiteral("APIEnabled"), QStringLiteral("APIPort"), QStringLiteral("EngineNodes"), // at start
+        QStringLiteral("CustomAlgorithms"), // CustomAlgorithmRunner follows it
+        QStringLiteral("DeviceMontages"),   // DeviceMontageApplier, when a device starts
+    };
+}
+
 void OrvexModel::applyEngineSetting(const QString& name)
 {
-    for (CortexCore* engine : qAsConst(m_engines)) {
-        if (name == QLatin1String("HPF"))
-            engine->setHPF(m_settings->getHPF(), true);
-        else if (name == QLatin1String("LPF"))
-            engine->setLPF(m_settings->getLPF(), true);
-        else if (name == QLatin1String("BSF"))
-            engine->setBSF(m_settings->getBSF(), true);
-        else if (name == QLatin1String("BSF2"))
-            engine->setBSF2(m_settings->getBSF2(), true);
-        else if (name == QLatin1String("HPFOrder"))
-            engine->setHPFOrder(m_settings->getHPFOrder(), true);
-        else if (name == QLatin1String("LPFOrder"))
-            engine->setLPFOrder(m_settings->getLPFOrder(), true);
-        else if (name == QLatin1String("StorageTime"))
-            engine->setStorageTimeSeconds(m_settings->getStorageTime());
-        else if (name == QLatin1String("DataFolder") || name == QLatin1String("RecordRawEDF")
-                 || name == QLatin1String("RecordOXD"))
-            applyRecordingSettings(engine);
-        else if ((name.startsWith(QLatin1String("Spectrum")) || name.startsWith(QLatin1String("Meditation"))
-                  || name.startsWith(QLatin1String("Concentration")))
-                 && engine->isDeviceStarted())
-            startMetering(engine);
-        else if (name == QLatin1String("UseFIR")) {
-            CortexCore::Use_FIR = m_settings->getUseFIR();
-            engine->recreateDataAndFilters(true);
-        }
-    }
-    if (name == QLatin1String("LoggingEnabled"))
-        applyLogging();
-    if (name == QLatin1String("APIKey") && m_server)
-        m_server->setApiKey(m_settings->getAPIKey());
+    const SettingAction action = settingActions().value(name);
+    if (!action)
+        return;
+    for (CortexCore* engine : qAsConst(m_engines))
+        action(this, engine);
 }
 
 KxSettings* OrvexModel::settingsOwning(const QString& key) const

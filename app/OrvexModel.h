@@ -2,6 +2,7 @@
 
 #include "server/DataServerContext.h"
 
+#include <QHash>
 #include <QJsonObject>
 #include <QList>
 
@@ -54,6 +55,12 @@ public:
     int getApiPort() const override;
     void closeApplication() override;
     bool openLink(const QUrl& url) override;
+
+    // Settings whose change acts at once, and those read where they are used (at start, by the
+    // device search, by the engine's helpers); together they name every application setting.
+    using SettingAction = void (*)(OrvexModel* model, CortexCore* engine);
+    static const QHash<QString, SettingAction>& settingActions();
+    static QStringList settingsReadWhereUsed();
 
     // The window's model objects, made once when the window is wanted; headless runs have none.
     UiModel* createUiModel(const QString& title);

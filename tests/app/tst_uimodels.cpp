@@ -29,6 +29,17 @@ private Q_SLOTS:
         qputenv("XDG_CONFIG_HOME", m_home.filePath(QStringLiteral("config")).toLocal8Bit());
     }
 
+    // A new application setting either acts when it changes or says where it is read.
+    void everySettingHasAnEffect()
+    {
+        const QMetaObject& meta = OrvexSettings::staticMetaObject;
+        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+            const QString name = QLatin1String(meta.property(i).name());
+            QVERIFY2(OrvexModel::settingActions().contains(name) != OrvexModel::settingsReadWhereUsed().contains(name),
+                     qPrintable(name));
+        }
+    }
+
     void qualityLevels_data()
     {
         QTest::addColumn<int>("quality");
