@@ -2,6 +2,7 @@
 
 #include "server/HTWSCommand.h"
 #include "server/UrlArguments.h"
+#include "server/WebSocketMessage.h"
 #include "services/GlobalConsoleWriter.h"
 
 #include <QCryptographicHash>
@@ -285,39 +286,11 @@ QJsonObject HTWSServer::processAnyMessage(const QString& message, const QByteArr
 QJsonObject HTWSServer::buildReply(const QString& message, const QByteArray& body, QWebSocket* client)
 {
     QJsonObject response;
-    QString command;
-    QMap<QString, QString> args;
-
-    if (message.startsWith(QLatin1Char('{'))) {
-        QJsonParseError error;
-        const QJsonDocument document = QJsonDocument::fromJson(message.toUtf8(), &error);
-        if (error.error != QJsonParseError::NoError) {
-            response.insert(QStringLiteral("jsonError"), error.errorString());
-        } else {
-            const QJsonObject object = document.object();
-            for (auto it = object.constBegin(); it != object.constEnd(); ++it) {
-                const QString key = it.key().toLower();
-                // Non-string values read as "": clients send every argument as a string.
-                if (key == QLatin1String("command"))
-                    command = it.value().toString();
-                else
-                    args.insert(key, it.value().toString());
-            }
-        }
-    } else if (!message.contains(QLatin1Char('?'))) {
-        command = message;
-    } else {
-        const QStringList parts = message.split(QLatin1Char('?'));
-        if (parts.size() == 2) {
-            command = parts[0];
-            const QStringList pieces = parts[1].split(QLatin1Char('&'), Qt::SkipEmptyParts);
-            for (const QString& piece : pieces) {
-                const qsizetype equals = piece.indexOf(QLatin1Char('='));
-                if (equals >= 0)
-                    args.insert(piece.left(equals), piece.mid(equals + 1));
-            }
-        }
-    }
+    WebSocketMessage parsed = WebSocketMessage::parse(message);
+    QString& command = parsed.command;
+    QMap<QString, QString>& args = parsed.args;
+    if (!parsed.jsonError.isEmpty())
+        response.insert(QStringLiteral("jsonError"), parsed.jsonError);
 
     if (command.isEmpty()) {
         response.insert(QStringLiteral("error"),

@@ -1,6 +1,7 @@
 #include "server/HTWSCommand.h"
 #include "server/HTWSServer.h"
 #include "server/UrlArguments.h"
+#include "server/WebSocketMessage.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -256,6 +257,35 @@ private Q_SLOTS:
         for (auto it = parsed.cbegin(); it != parsed.cend(); ++it)
             actual.insert(it.key(), it.value());
         QCOMPARE(actual, expected);
+    }
+
+    // The WebSocket text form is read as written, unlike an HTTP address.
+    void webSocketMessages_data()
+    {
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QVariantMap>("expected");
+        QTest::newRow("word") << "listDevices" << "listDevices" << QVariantMap {};
+        QTest::newRow("no decoding, case kept")
+            << "cmd?SN=a%20b&x=1+2&flag" << "cmd" << QVariantMap { { "SN", "a%20b" }, { "x", "1+2" } };
+        QTest::newRow("two question marks") << "c?a=1?2" << "" << QVariantMap {};
+        QTest::newRow("json, keys lower-cased")
+            << R"({"Command": "bci", "Node": "0", "n": 1})" << "bci" << QVariantMap { { "node", "0" }, { "n", "" } };
+        QTest::newRow("broken json") << "{nope" << "" << QVariantMap {};
+    }
+
+    void webSocketMessages()
+    {
+        QFETCH(QString, message);
+        QFETCH(QString, command);
+        QFETCH(QVariantMap, expected);
+        const WebSocketMessage parsed = WebSocketMessage::parse(message);
+        QCOMPARE(parsed.command, command);
+        QVariantMap actual;
+        for (auto it = parsed.args.cbegin(); it != parsed.args.cend(); ++it)
+            actual.insert(it.key(), it.value());
+        QCOMPARE(actual, expected);
+        QCOMPARE(parsed.jsonError.isEmpty(), !message.startsWith("{nope"));
     }
 
     void httpCommands()
