@@ -42,10 +42,22 @@ RecordEntry RecordFolder::describe(const QString& path, const QStringList& sibli
     record.name = main.completeBaseName();
     record.files.append(main.fileName());
     record.sizeBytes = main.size();
-    // The recorder names every file of a record after the record's stem.
+    // The recorder names every file of a record after the record's stem. A record whose stem
+    // extends this one ("session" and "session.2") keeps its own files: deleting one record
+    // must never take another's.
     const QString stem = record.name + QLatin1Char('.');
+    QStringList longerStems;
     for (const QString& sibling : siblings) {
-        if (sibling.startsWith(stem) && sibling != main.fileName() && !isMainFile(sibling)) {
+        if (sibling != main.fileName() && isMainFile(sibling) && sibling.startsWith(stem))
+            longerStems.append(QFileInfo(sibling).completeBaseName() + QLatin1Char('.'));
+    }
+    const auto belongsToLonger = [&longerStems](const QString& name) {
+        return std::any_of(longerStems.cbegin(), longerStems.cend(),
+                           [&name](const QString& longer) { return name.startsWith(longer); });
+    };
+    for (const QString& sibling : siblings) {
+        if (sibling.startsWith(stem) && sibling != main.fileName() && !isMainFile(sibling)
+            && !belongsToLonger(sibling)) {
             record.files.append(sibling);
             record.sizeBytes += QFileInfo(main.dir().filePath(sibling)).size();
         }

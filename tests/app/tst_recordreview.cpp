@@ -1,5 +1,6 @@
 // The review window after any sequence of moves holds exactly what a fresh read of the file
 // gives: the moved part of the last window must line up with the newly read part.
+#include "app/ui/RecordFolder.h"
 #include "app/ui/RecordReviewController.h"
 #include "formats/EDFReader.h"
 #include "formats/EDFWriter.h"
@@ -30,6 +31,24 @@ private Q_SLOTS:
         }
         writer.clearShift();
         QVERIFY(writer.close());
+    }
+
+    // Deleting a record takes its own files only, never those of a record whose name extends it.
+    void recordsKeepTheirOwnFiles()
+    {
+        QTemporaryDir folder;
+        const QStringList names { "session.edf", "session.log", "session.oxd",
+                                  "session.2.edf", "session.2.log", "session.2.raw.bdf" };
+        for (const QString& name : names)
+            QFile::copy(m_path, folder.filePath(name));
+        QMap<QString, QStringList> files;
+        for (const RecordEntry& record : RecordFolder::scan(folder.path()))
+            files.insert(record.name, record.files);
+        QCOMPARE(files.value("session"), (QStringList { "session.edf", "session.log", "session.oxd" }));
+        QCOMPARE(files.value("session.2"), (QStringList { "session.2.edf", "session.2.log", "session.2.raw.bdf" }));
+        QString error;
+        QVERIFY(RecordFolder::remove(RecordFolder::scan(folder.path()).constLast(), error));
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 3);
     }
 
     void windowMatchesAFreshRead_data()
