@@ -82,6 +82,7 @@ private Q_SLOTS:
     void cleanup()
     {
         delete m_engine;
+        CortexCore::Use_FIR = true; // process-wide: leave the default for whatever runs next
     }
 
     void historiesAreBoundedByStorageTime()
