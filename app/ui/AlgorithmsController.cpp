@@ -7,13 +7,12 @@
 #include "services/GlobalConsole.h"
 #include "settings/OrvexSettings.h"
 
-AlgorithmsController::AlgorithmsController(OrvexModel* model, QObject* parent)
+AlgorithmsController::AlgorithmsController(OrvexModel* model, AlgorithmListModel* values, QObject* parent)
     : QObject(parent)
     , m_model(model)
     , m_engine(model->engine())
-    , m_list(&m_values)
+    , m_list(values)
 {
-    connect(m_engine, &CortexCore::newCortexDataResult, this, &AlgorithmsController::onResult);
     connect(m_engine, &CortexCore::montageChanged, this, &AlgorithmsController::channelNamesChanged);
     connect(m_engine, &CortexCore::deviceStarted, this, &AlgorithmsController::channelNamesChanged, Qt::QueuedConnection);
     connect(m_engine, &CortexCore::deviceStopped, this, &AlgorithmsController::channelNamesChanged, Qt::QueuedConnection);
@@ -126,12 +125,6 @@ void AlgorithmsController::loadFromSettings()
         return;
     m_stored = text;
     m_list.setDefinitions(AlgorithmDefinition::listFromText(text));
-}
-
-// Without algorithms the engine reports none: the empty list clears the values shown.
-void AlgorithmsController::onResult(const CortexDataResult& result)
-{
-    m_values.setResults(result.algorithmResults);
 }
 
 void AlgorithmsController::setErrors(const QVariantMap& errors, const QString& error)

@@ -9,7 +9,6 @@
 
 class CortexCore;
 class OrvexModel;
-struct CortexDataResult;
 
 // The user's custom algorithms: added, edited and removed through a checked form, run by the
 // engine with their live values shown, offered to clients when marked visible to control, and
@@ -24,7 +23,8 @@ class AlgorithmsController : public QObject
     Q_PROPERTY(QString error READ error NOTIFY errorsChanged)
     Q_PROPERTY(QStringList channelNames READ channelNames NOTIFY channelNamesChanged)
 public:
-    explicit AlgorithmsController(OrvexModel* model, QObject* parent = nullptr);
+    // `values`: the live values the indices screen keeps, shown beside each definition.
+    AlgorithmsController(OrvexModel* model, AlgorithmListModel* values, QObject* parent = nullptr);
 
     AlgorithmDefinitionListModel* list() { return &m_list; }
     QVariantMap errors() const { return m_errors; }
@@ -49,12 +49,10 @@ private:
     void store(const QList<AlgorithmDefinition>& definitions);
     void setDefinitions(const QList<AlgorithmDefinition>& definitions);
     void loadFromSettings();
-    void onResult(const CortexDataResult& result);
     void setErrors(const QVariantMap& errors, const QString& error = QString());
 
     OrvexModel* m_model;
     CortexCore* m_engine;
-    AlgorithmListModel m_values;
     AlgorithmDefinitionListModel m_list;
     QVariantMap m_errors;
     QString m_error;

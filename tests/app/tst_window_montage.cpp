@@ -227,7 +227,8 @@ private Q_SLOTS:
         KxSettings::setStorageFolder(folder.path());
         {
             OrvexModel first;
-            AlgorithmsController algorithms(&first);
+            AlgorithmListModel values;
+            AlgorithmsController algorithms(&first, &values);
             QVERIFY(algorithms.save(-1, algorithms.fields(-1, QStringLiteral("share"))) == false); // no name yet
             QVariantMap fields = algorithms.fields(-1, QStringLiteral("share"));
             fields["name"] = QStringLiteral("alpha");
@@ -235,7 +236,8 @@ private Q_SLOTS:
             QVERIFY(algorithms.save(-1, fields));
         }
         OrvexModel second;
-        AlgorithmsController algorithms(&second);
+        AlgorithmListModel values;
+        AlgorithmsController algorithms(&second, &values);
         KxSettings::setStorageFolder(previous);
         QCOMPARE(algorithms.list()->rowCount(), 1);
         const QList<CustomBCIAlgorithm*> running = second.engine()->getCustomAlgoritms();
